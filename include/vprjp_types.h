@@ -13,7 +13,10 @@
  * -------
  *   A region is a pointer to its first sample plus a row step in BYTES (a
  *   signed 32-bit value, >= 1; rows may be padded; negative steps are
- *   rejected) and a VprRoiSize in samples.  Any alignment is accepted.
+ *   rejected) and a VprRoiSize in samples.  8-bit rows may start at any
+ *   address; rows of 16- and 32-bit samples start at addresses aligned to
+ *   the sample size (and their steps are multiples of it), as C requires of
+ *   any array of such values; beyond that any alignment is accepted.
  *
  * Argument checks
  * ---------------

@@ -84,11 +84,15 @@ class Image {
 
   Image() = default;
   // width in T elements per row (channels included), pad_bytes extra bytes
-  // per row, misalign bytes added to the 64-aligned start of row 0.
+  // per row, misalign in elements added to the 64-aligned start of row 0.
+  // Rows of multi-byte samples stay aligned to the sample size (the
+  // library's contract): the pad is rounded up to a multiple of sizeof(T)
+  // and the misalignment is counted in elements (mod 64 bytes).
   Image(int width, int height, int pad_bytes = 0, int misalign = 0)
-      : width_(width), height_(height), misalign_(misalign) {
+      : width_(width), height_(height), misalign_(static_cast<int>((misalign * sizeof(T)) % 64)) {
+    pad_bytes = static_cast<int>((pad_bytes + sizeof(T) - 1) / sizeof(T) * sizeof(T));
     step_ = static_cast<int>(width * sizeof(T)) + pad_bytes;
-    const size_t bytes = kGuard + misalign + static_cast<size_t>(step_) * (height > 0 ? height : 0) + kGuard;
+    const size_t bytes = kGuard + misalign_ + static_cast<size_t>(step_) * (height > 0 ? height : 0) + kGuard;
     buf_.assign(bytes + 64, 0);
     base_ = align64();
     for (size_t i = 0; i < bytes; ++i) base_[i] = guard_byte(i);
@@ -184,7 +188,7 @@ struct Geometry {
   int width;     // samples (pixels) per row
   int height;    // rows
   int pad;       // extra bytes per row in the step
-  int misalign;  // bytes added to a 64-aligned first row
+  int misalign;  // elements added to a 64-aligned first row
   std::string str() const {
     std::ostringstream s;
     s << width << "x" << height << " pad " << pad << " misalign " << misalign;
