@@ -1,0 +1,218 @@
+// DXT1 SSE4.1 kernels.
+//
+// Encoder, one block of 16 RGBA pixels in four registers (one row each):
+//   - min / max per channel: byte min/max over the rows, then two folds;
+//   - inset and endpoints in bytes (min + i never exceeds max, max - i never
+//     drops below min, so no clamping is needed);
+//   - the search palette in 16-bit lanes: 565 truncation by masking,
+//     bit-replicating expansion as (v8 * 66) >> 6 for red/blue and
+//     (v8 * 65) >> 6 for green (v8 = the channel with its low bits cleared),
+//     division by 3 as mulhi(x, 0xAAAB) >> 1 (exact for x < 65536);
+//   - pixels regrouped into RG pairs (two registers of 8 pixels) and one
+//     register of 16 blue bytes, so each L1 distance to a palette entry is
+//     three byte |a - b|, one pmaddubsw per RG register and a widening add
+//     of the blue bytes: 16 distances in two 16-bit registers;
+//   - the index rule on 16-bit compares, the 2-bit indices packed with two
+//     pmaddubsw/packus rounds into the 32-bit index word.
+// Decoder, one block: the four palette entries in one register (both modes
+// computed, the mode picked by a blend), the 16 indices turned into byte
+// offsets 4*k by a 16-bit multiply-shift, and one pshufb per output row.
+#include <cstring>
+
+#include "core/simd.h"
+#include "texture/dxt1.h"
+
+namespace vpr::texture::sse {
+namespace {
+
+inline __m128i abs_diff_u8(__m128i a, __m128i b) { return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a)); }
+
+inline uint32_t pack565(uint32_t rgba) {
+  return ((rgba & 0xF8u) << 8) | ((rgba >> 5) & 0x7E0u) | ((rgba >> 19) & 0x1Fu);
+}
+
+// Encodes the block whose rows (4 RGBA pixels each) are p0..p3.
+inline void encode_rows(__m128i p0, __m128i p1, __m128i p2, __m128i p3, uint8_t* out) {
+  // Bounding box: every dword lane ends up holding the per-channel min/max.
+  __m128i mn = _mm_min_epu8(_mm_min_epu8(p0, p1), _mm_min_epu8(p2, p3));
+  __m128i mx = _mm_max_epu8(_mm_max_epu8(p0, p1), _mm_max_epu8(p2, p3));
+  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0x4E));
+  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0x4E));
+  mn = _mm_min_epu8(mn, _mm_shuffle_epi32(mn, 0xB1));
+  mx = _mm_max_epu8(mx, _mm_shuffle_epi32(mx, 0xB1));
+
+  // Inset by (max - min) >> 4 per channel.
+  const __m128i inset = _mm_and_si128(_mm_srli_epi16(_mm_sub_epi8(mx, mn), 4), _mm_set1_epi8(0x0F));
+  const __m128i hi = _mm_sub_epi8(mx, inset);
+  const __m128i lo = _mm_add_epi8(mn, inset);
+  const __m128i hl = _mm_unpacklo_epi32(hi, lo);  // dwords: hi, lo, hi, lo
+
+  const uint32_t hl0 = static_cast<uint32_t>(_mm_cvtsi128_si32(hl));
+  const uint32_t hl1 = static_cast<uint32_t>(_mm_extract_epi32(hl, 1));
+  const uint32_t endpoints = pack565(hl0) | (pack565(hl1) << 16);
+
+  // Search palette: c0 c1 expanded, then c2 c3, as bytes R G B 0 per entry.
+  const __m128i trunc = _mm_and_si128(_mm_cvtepu8_epi16(hl), _mm_setr_epi16(0xF8, 0xFC, 0xF8, 0, 0xF8, 0xFC, 0xF8, 0));
+  const __m128i e01 = _mm_srli_epi16(_mm_mullo_epi16(trunc, _mm_setr_epi16(66, 65, 66, 0, 66, 65, 66, 0)), 6);
+  const __m128i e10 = _mm_shuffle_epi32(e01, 0x4E);
+  const __m128i sum = _mm_add_epi16(_mm_add_epi16(e01, e01), e10);  // 2c0 + c1 | 2c1 + c0
+  const __m128i e23 = _mm_srli_epi16(_mm_mulhi_epu16(sum, _mm_set1_epi16(static_cast<short>(0xAAAB))), 1);
+  const __m128i pal = _mm_packus_epi16(e01, e23);
+
+  // Pixels regrouped: RG pairs of pixels 0-7 and 8-15, blue bytes 0-15.
+  const __m128i group = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+  const __m128i g0 = _mm_shuffle_epi8(p0, group), g1 = _mm_shuffle_epi8(p1, group);
+  const __m128i g2 = _mm_shuffle_epi8(p2, group), g3 = _mm_shuffle_epi8(p3, group);
+  const __m128i rg_a = _mm_unpacklo_epi64(g0, g1);
+  const __m128i rg_b = _mm_unpacklo_epi64(g2, g3);
+  const __m128i blue = _mm_unpacklo_epi64(_mm_unpackhi_epi32(g0, g1), _mm_unpackhi_epi32(g2, g3));
+
+  const __m128i ones = _mm_set1_epi8(1);
+  const __m128i zero = _mm_setzero_si128();
+  __m128i d_a[4], d_b[4];  // L1 distances of pixels 0-7 / 8-15 to entry k
+  for (int k = 0; k < 4; ++k) {
+    const __m128i rg_k = _mm_shuffle_epi8(pal, _mm_set1_epi16(static_cast<short>((4 * k) | ((4 * k + 1) << 8))));
+    const __m128i b_k = _mm_shuffle_epi8(pal, _mm_set1_epi8(static_cast<char>(4 * k + 2)));
+    const __m128i db = abs_diff_u8(blue, b_k);
+    d_a[k] = _mm_add_epi16(_mm_maddubs_epi16(abs_diff_u8(rg_a, rg_k), ones), _mm_unpacklo_epi8(db, zero));
+    d_b[k] = _mm_add_epi16(_mm_maddubs_epi16(abs_diff_u8(rg_b, rg_k), ones), _mm_unpackhi_epi8(db, zero));
+  }
+
+  __m128i bit0[2], bit1[2];
+  for (int h = 0; h < 2; ++h) {
+    const __m128i* d = h == 0 ? d_a : d_b;
+    const __m128i b0 = _mm_cmpgt_epi16(d[0], d[3]);
+    const __m128i b1 = _mm_cmpgt_epi16(d[1], d[2]);
+    const __m128i b2 = _mm_cmpgt_epi16(d[0], d[2]);
+    const __m128i b3 = _mm_cmpgt_epi16(d[1], d[3]);
+    const __m128i b4 = _mm_cmpgt_epi16(d[2], d[3]);
+    bit0[h] = _mm_and_si128(b0, b4);
+    bit1[h] = _mm_or_si128(_mm_and_si128(b1, b2), _mm_and_si128(b0, b3));
+  }
+  const __m128i m0 = _mm_packs_epi16(bit0[0], bit0[1]);  // 0 / -1 per pixel
+  const __m128i m1 = _mm_packs_epi16(bit1[0], bit1[1]);
+  const __m128i idx = _mm_sub_epi8(_mm_and_si128(m1, _mm_set1_epi8(2)), m0);  // 0..3 per pixel
+  const __m128i nib = _mm_maddubs_epi16(idx, _mm_set1_epi16(0x0401));        // i0 + 4 i1
+  const __m128i byt = _mm_maddubs_epi16(_mm_packus_epi16(nib, nib), _mm_set1_epi16(0x1001));
+  const uint32_t indices = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(byt, byt)));
+
+  const uint64_t word = endpoints | (static_cast<uint64_t>(indices) << 32);
+  std::memcpy(out, &word, 8);
+}
+
+// Palette (4 RGBA entries) and per-pixel byte offsets 4*k of one block.
+inline void decode_setup(const uint8_t* in, __m128i* pal, __m128i* offs) {
+  uint64_t word;
+  std::memcpy(&word, in, 8);
+  const uint32_t color0 = static_cast<uint32_t>(word) & 0xFFFF;
+  const uint32_t color1 = static_cast<uint32_t>(word >> 16) & 0xFFFF;
+  const __m128i w = _mm_cvtsi64_si128(static_cast<long long>(word));
+
+  // Lanes c0 c0 c0 c0 c1 c1 c1 c1; blue moved to the top bits, then
+  // v * 264 >> 16 = v5 * 33 / 4 and v * 8320 >> 16 = v6 * 65 / 16 give the
+  // bit-replicated 8-bit values.
+  const __m128i c = _mm_shuffle_epi8(w, _mm_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 2, 3, 2, 3, 2, 3, 2, 3));
+  const __m128i fields = _mm_and_si128(_mm_mullo_epi16(c, _mm_setr_epi16(1, 1, 2048, 0, 1, 1, 2048, 0)),
+                                       _mm_setr_epi16(static_cast<short>(0xF800), 0x07E0, static_cast<short>(0xF800),
+                                                      0, static_cast<short>(0xF800), 0x07E0,
+                                                      static_cast<short>(0xF800), 0));
+  const __m128i e01 = _mm_mulhi_epu16(fields, _mm_setr_epi16(264, 8320, 264, 0, 264, 8320, 264, 0));
+  const __m128i e10 = _mm_shuffle_epi32(e01, 0x4E);
+  const __m128i four = _mm_srli_epi16(
+      _mm_mulhi_epu16(_mm_add_epi16(_mm_add_epi16(e01, e01), e10), _mm_set1_epi16(static_cast<short>(0xAAAB))), 1);
+  const __m128i three = _mm_or_si128(_mm_srli_epi16(_mm_add_epi16(e01, e10), 1),
+                                     _mm_setr_epi16(0, 0, 0, 0, 255, 255, 255, 255));
+  const __m128i mode = _mm_set1_epi32(color0 > color1 ? -1 : 0);
+  const __m128i e23 = _mm_blendv_epi8(three, four, mode);
+  *pal = _mm_or_si128(_mm_packus_epi16(e01, e23), _mm_set1_epi32(static_cast<int>(0xFF000000u)));
+
+  // Index of pixel j (bits 2j..2j+1 of its 16-bit half) moved to the top two
+  // bits by a multiply with 2^(14 - 2j), then shifted down.
+  const __m128i lo16 = _mm_shuffle_epi8(w, _mm_setr_epi8(4, 5, 4, 5, 4, 5, 4, 5, 4, 5, 4, 5, 4, 5, 4, 5));
+  const __m128i hi16 = _mm_shuffle_epi8(w, _mm_setr_epi8(6, 7, 6, 7, 6, 7, 6, 7, 6, 7, 6, 7, 6, 7, 6, 7));
+  const __m128i mul = _mm_setr_epi16(1 << 14, 1 << 12, 1 << 10, 1 << 8, 1 << 6, 1 << 4, 1 << 2, 1);
+  const __m128i k_lo = _mm_srli_epi16(_mm_mullo_epi16(lo16, mul), 14);
+  const __m128i k_hi = _mm_srli_epi16(_mm_mullo_epi16(hi16, mul), 14);
+  *offs = _mm_slli_epi16(_mm_packus_epi16(k_lo, k_hi), 2);  // 4*k per pixel, bytes
+}
+
+// Shuffle control of block row r: the palette bytes of its 4 pixels.
+inline __m128i row_control(__m128i offs, int r) {
+  const char b = static_cast<char>(4 * r);
+  const __m128i spread = _mm_setr_epi8(b, b, b, b, b + 1, b + 1, b + 1, b + 1, b + 2, b + 2, b + 2, b + 2, b + 3,
+                                       b + 3, b + 3, b + 3);
+  return _mm_or_si128(_mm_shuffle_epi8(offs, spread), _mm_set1_epi32(0x03020100));
+}
+
+}  // namespace
+
+void encode_block_rgba_dxt1(const uint8_t block[64], uint8_t out[8]) {
+  encode_rows(simd::load16(block), simd::load16(block + 16), simd::load16(block + 32), simd::load16(block + 48), out);
+}
+
+void encode_block_rgba_dxt1_rows(const uint8_t* src, int32_t step, uint8_t out[8]) {
+  encode_rows(simd::load16(src), simd::load16(simd::row_ptr(src, step, 1)), simd::load16(simd::row_ptr(src, step, 2)),
+              simd::load16(simd::row_ptr(src, step, 3)), out);
+}
+
+void decode_block_dxt1(const uint8_t in[8], uint8_t block[64]) {
+  __m128i pal, offs;
+  decode_setup(in, &pal, &offs);
+  for (int r = 0; r < 4; ++r) simd::store16(block + 16 * r, _mm_shuffle_epi8(pal, row_control(offs, r)));
+}
+
+void encode_image_dxt1(const uint8_t* src, int32_t srcStep, int32_t width, int32_t height, uint8_t* dst) {
+  const int64_t bw = dxt_blocks(width), bh = dxt_blocks(height);
+  const int64_t full_bw = width >> 2;
+  alignas(16) uint8_t block[64];
+  for (int64_t by = 0; by < bh; ++by) {
+    const int y0 = static_cast<int>(4 * by);
+    const int rows = height - y0 < 4 ? height - y0 : 4;
+    const uint8_t* s = simd::row_ptr(src, srcStep, y0);
+    uint8_t* d = dst + kDxt1BlockBytes * by * bw;
+    int64_t bx = 0;
+    if (rows == 4) {
+      for (; bx < full_bw; ++bx) encode_block_rgba_dxt1_rows(s + 16 * bx, srcStep, d + kDxt1BlockBytes * bx);
+    }
+    for (; bx < bw; ++bx) {
+      const int64_t x0 = 4 * bx;
+      const int cols = width - x0 < 4 ? static_cast<int>(width - x0) : 4;
+      gather_block_rgba(s + 4 * x0, srcStep, cols, rows, block);
+      encode_block_rgba_dxt1(block, d + kDxt1BlockBytes * bx);
+    }
+  }
+}
+
+void decode_image_dxt1(const uint8_t* src, uint8_t* dst, int32_t dstStep, int32_t width, int32_t height) {
+  const int64_t bw = dxt_blocks(width), bh = dxt_blocks(height);
+  const int64_t full_bw = width >> 2;
+  alignas(16) uint8_t block[64];
+  for (int64_t by = 0; by < bh; ++by) {
+    const int y0 = static_cast<int>(4 * by);
+    const int rows = height - y0 < 4 ? height - y0 : 4;
+    uint8_t* d = simd::row_ptr(dst, dstStep, y0);
+    const uint8_t* s = src + kDxt1BlockBytes * by * bw;
+    int64_t bx = 0;
+    if (rows == 4) {
+      uint8_t* d1 = simd::row_ptr(d, dstStep, 1);
+      uint8_t* d2 = simd::row_ptr(d, dstStep, 2);
+      uint8_t* d3 = simd::row_ptr(d, dstStep, 3);
+      for (; bx < full_bw; ++bx) {
+        __m128i pal, offs;
+        decode_setup(s + kDxt1BlockBytes * bx, &pal, &offs);
+        simd::store16(d + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 0)));
+        simd::store16(d1 + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 1)));
+        simd::store16(d2 + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 2)));
+        simd::store16(d3 + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 3)));
+      }
+    }
+    for (; bx < bw; ++bx) {
+      const int64_t x0 = 4 * bx;
+      const int cols = width - x0 < 4 ? static_cast<int>(width - x0) : 4;
+      decode_block_dxt1(s + kDxt1BlockBytes * bx, block);
+      scatter_block_rgba(block, d + 4 * x0, dstStep, cols, rows);
+    }
+  }
+}
+
+}  // namespace vpr::texture::sse
