@@ -1,0 +1,139 @@
+// JPEG XR photo core transform throughput (MPix/s), every form; the scalar
+// twins for scale; jxrlib's 4x4 core transform on the same blocks as peer.
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "bench_util.h"
+#include "jpegxr/pct.h"
+#include "vprjp.h"
+
+#if VPR_HAVE_JXR
+extern "C" {
+void strDCT4x4Stage1(int* p);
+void strIDCT4x4Stage1(int* p);
+}
+#endif
+
+namespace {
+
+constexpr int kW = 1024, kH = 1024;
+
+template <class T>
+std::vector<T> test_plane(int w, int h) {
+  const std::vector<uint8_t> img = vprbench::photo_like(w, h, 1);
+  std::vector<T> v(img.size());
+  for (size_t i = 0; i < v.size(); ++i) v[i] = static_cast<T>(static_cast<int>(img[i]) - 128);
+  return v;
+}
+
+// Whole region through the exported entry.
+template <class T>
+void BM_region(benchmark::State& s, VprStatus (*fn)(T*, int, VprRoiSize)) {
+  std::vector<T> buf = test_plane<T>(kW, kH);
+  for (auto _ : s) {
+    fn(buf.data(), kW * static_cast<int>(sizeof(T)), {kW, kH});
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_mpix(s, double(kW) * kH);
+}
+
+// Whole region through a kernel (scalar twin or SSE).
+template <class T>
+void BM_kernel(benchmark::State& s, void (*fn)(T*, std::ptrdiff_t, int, int)) {
+  std::vector<T> buf = test_plane<T>(kW, kH);
+  for (auto _ : s) {
+    fn(buf.data(), kW * static_cast<std::ptrdiff_t>(sizeof(T)), kW, kH);
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_mpix(s, double(kW) * kH);
+}
+
+// Fixed-size form over every macroblock of a 1024x1024 plane.
+template <class T>
+void BM_fixed(benchmark::State& s, VprStatus (*fn)(T*, int), int bw, int bh) {
+  std::vector<T> buf = test_plane<T>(kW, kH);
+  const int step = kW * static_cast<int>(sizeof(T));
+  for (auto _ : s) {
+    for (int y = 0; y < kH; y += bh)
+      for (int x = 0; x < kW; x += bw) fn(buf.data() + static_cast<size_t>(y) * kW + x, step);
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_mpix(s, double(kW) * kH);
+}
+
+template <class T>
+void register_forms(const char* dir, const char* t, VprStatus (*region)(T*, int, VprRoiSize),
+                    VprStatus (*f16x16)(T*, int), VprStatus (*f8x16)(T*, int), VprStatus (*f8x8)(T*, int),
+                    void (*twin)(T*, std::ptrdiff_t, int, int)) {
+  const std::string base = std::string("BM_JpegXR_PCT") + dir;
+  const std::string ty = std::string("_") + t;
+  benchmark::RegisterBenchmark((base + ty + "_region_vpr").c_str(), [region](benchmark::State& s) { BM_region<T>(s, region); });
+  benchmark::RegisterBenchmark((base + "16x16" + ty + "_vpr").c_str(), [f16x16](benchmark::State& s) { BM_fixed<T>(s, f16x16, 16, 16); });
+  benchmark::RegisterBenchmark((base + "8x16" + ty + "_vpr").c_str(), [f8x16](benchmark::State& s) { BM_fixed<T>(s, f8x16, 8, 16); });
+  benchmark::RegisterBenchmark((base + "8x8" + ty + "_vpr").c_str(), [f8x8](benchmark::State& s) { BM_fixed<T>(s, f8x8, 8, 8); });
+  benchmark::RegisterBenchmark((base + ty + "_region_scalar").c_str(), [twin](benchmark::State& s) { BM_kernel<T>(s, twin); });
+}
+
+#define VPR_BENCH_FORMS(Dir, dir, t, T)                                                          \
+  register_forms<T>(#Dir, #t, vpriPCT##Dir##_JPEGXR_##t##_C1IR, vpriPCT##Dir##16x16_JPEGXR_##t##_C1IR, \
+                    vpriPCT##Dir##8x16_JPEGXR_##t##_C1IR, vpriPCT##Dir##8x8_JPEGXR_##t##_C1IR,         \
+                    vpr::jxr::ref::pct_##dir##_##t)
+
+const int kRegistered = [] {
+  VPR_BENCH_FORMS(Fwd, fwd, 16s, Vpr16s);
+  VPR_BENCH_FORMS(Inv, inv, 16s, Vpr16s);
+  VPR_BENCH_FORMS(Fwd, fwd, 32s, Vpr32s);
+  VPR_BENCH_FORMS(Inv, inv, 32s, Vpr32s);
+  VPR_BENCH_FORMS(Fwd, fwd, 32f, Vpr32f);
+  VPR_BENCH_FORMS(Inv, inv, 32f, Vpr32f);
+  return 0;
+}();
+
+// Peer comparison on blocks stored one after another (16 values each), the
+// layout jxrlib's block transform works on: ours as a 4-wide region.
+constexpr int kBlocks = kW * kH / 16;
+
+void BM_JpegXR_PCTFwd4x4Blocks_32s_vpr(benchmark::State& s) {
+  std::vector<int32_t> buf = test_plane<int32_t>(kW, kH);
+  for (auto _ : s) {
+    vpriPCTFwd_JPEGXR_32s_C1IR(buf.data(), 16, {4, 4 * kBlocks});
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_mpix(s, double(kW) * kH);
+}
+BENCHMARK(BM_JpegXR_PCTFwd4x4Blocks_32s_vpr);
+
+void BM_JpegXR_PCTInv4x4Blocks_32s_vpr(benchmark::State& s) {
+  std::vector<int32_t> buf = test_plane<int32_t>(kW, kH);
+  for (auto _ : s) {
+    vpriPCTInv_JPEGXR_32s_C1IR(buf.data(), 16, {4, 4 * kBlocks});
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_mpix(s, double(kW) * kH);
+}
+BENCHMARK(BM_JpegXR_PCTInv4x4Blocks_32s_vpr);
+
+#if VPR_HAVE_JXR
+void BM_JpegXR_PCTFwd4x4Blocks_32s_jxrlib(benchmark::State& s) {
+  std::vector<int32_t> buf = test_plane<int32_t>(kW, kH);
+  for (auto _ : s) {
+    for (int b = 0; b < kBlocks; ++b) strDCT4x4Stage1(buf.data() + 16 * b);
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_mpix(s, double(kW) * kH);
+}
+BENCHMARK(BM_JpegXR_PCTFwd4x4Blocks_32s_jxrlib);
+
+void BM_JpegXR_PCTInv4x4Blocks_32s_jxrlib(benchmark::State& s) {
+  std::vector<int32_t> buf = test_plane<int32_t>(kW, kH);
+  for (auto _ : s) {
+    for (int b = 0; b < kBlocks; ++b) strIDCT4x4Stage1(buf.data() + 16 * b);
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_mpix(s, double(kW) * kH);
+}
+BENCHMARK(BM_JpegXR_PCTInv4x4Blocks_32s_jxrlib);
+#endif
+
+}  // namespace

@@ -1,0 +1,331 @@
+// Photo core transform, SSE4.1 kernels.
+//
+// Blocks are transposed so that one vector holds one block position (a..p)
+// of several blocks: 8 blocks per vector for 16s, 4 for 32s and 32f.  The
+// lifting then runs on whole vectors.  Blocks are independent, so a group
+// may take its blocks from different block rows; groups are filled in
+// raster order and only the last group of a region can be partial.
+//
+// 16s exactness: the assignments wrap to 16 bits, but the values inside an
+// expression must be exact.  The shift terms are rewritten into forms that
+// never leave 16 bits:
+//   (A-B+0)>>1  = avg_epu16(A^0x8000, B^0x7fff) ^ 0x8000   (17-bit average)
+//   (A-B+1)>>1  = -((B-A+0)>>1)
+//   (x+1)>>1    = x - (x>>1)
+//   (3x+4)>>3   = mulhrs(x, 12288)      ((12288x + 2^14) >> 15)
+//   (3x+3)>>2   = x - (x>>2)
+//   (3x+3)>>3   = (x - (x>>2)) >> 1
+#include <cstring>
+
+#include "core/simd.h"
+#include "jpegxr/pct.h"
+
+namespace vpr::jxr::sse {
+namespace {
+
+// ---------------------------------------------------------------- ops
+struct Ops16 {
+  using V = __m128i;
+  static V add(V a, V b) { return _mm_add_epi16(a, b); }
+  static V sub(V a, V b) { return _mm_sub_epi16(a, b); }
+  static V neg(V a) { return _mm_sub_epi16(_mm_setzero_si128(), a); }
+  static V h2t0(V a, V b) {
+    const V s = _mm_set1_epi16(static_cast<int16_t>(0x8000));
+    const V m = _mm_set1_epi16(0x7fff);
+    return _mm_xor_si128(_mm_avg_epu16(_mm_xor_si128(a, s), _mm_xor_si128(b, m)), s);
+  }
+  static V h2t(V a, V b, int r) { return r ? neg(h2t0(b, a)) : h2t0(a, b); }
+  static V half(V x) { return _mm_srai_epi16(x, 1); }                // x>>1
+  static V half_up(V x) { return _mm_sub_epi16(x, _mm_srai_epi16(x, 1)); }  // (x+1)>>1
+  static V r3p4s3(V x) { return _mm_mulhrs_epi16(x, _mm_set1_epi16(12288)); }
+  static V r3p3s2(V x) { return _mm_sub_epi16(x, _mm_srai_epi16(x, 2)); }
+  static V r3p3s3(V x) { return _mm_srai_epi16(r3p3s2(x), 1); }
+};
+
+struct Ops32 {
+  using V = __m128i;
+  static V add(V a, V b) { return _mm_add_epi32(a, b); }
+  static V sub(V a, V b) { return _mm_sub_epi32(a, b); }
+  static V neg(V a) { return _mm_sub_epi32(_mm_setzero_si128(), a); }
+  static V h2t(V a, V b, int r) {
+    return _mm_srai_epi32(_mm_add_epi32(_mm_sub_epi32(a, b), _mm_set1_epi32(r)), 1);
+  }
+  static V half(V x) { return _mm_srai_epi32(x, 1); }
+  static V half_up(V x) { return _mm_srai_epi32(_mm_add_epi32(x, _mm_set1_epi32(1)), 1); }
+  static V times3(V x) { return _mm_add_epi32(_mm_add_epi32(x, x), x); }
+  static V r3p4s3(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(4)), 3); }
+  static V r3p3s2(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(3)), 2); }
+  static V r3p3s3(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(3)), 3); }
+};
+
+struct OpsF {
+  using V = __m128;
+  static V add(V a, V b) { return _mm_add_ps(a, b); }
+  static V sub(V a, V b) { return _mm_sub_ps(a, b); }
+  static V neg(V a) { return _mm_sub_ps(_mm_setzero_ps(), a); }
+  static V h2t(V a, V b, int) { return _mm_mul_ps(_mm_set1_ps(0.5f), _mm_sub_ps(a, b)); }
+  static V half(V x) { return _mm_mul_ps(_mm_set1_ps(0.5f), x); }
+  static V half_up(V x) { return _mm_mul_ps(_mm_set1_ps(0.5f), x); }
+  static V r3p4s3(V x) { return _mm_mul_ps(_mm_set1_ps(0.375f), x); }
+  static V r3p3s2(V x) { return _mm_mul_ps(_mm_set1_ps(0.75f), x); }
+  static V r3p3s3(V x) { return _mm_mul_ps(_mm_set1_ps(0.375f), x); }
+};
+
+// ---------------------------------------------------------------- lifting
+template <class O>
+struct Lift {
+  using V = typename O::V;
+  static inline void h2(V& A, V& B, V& C, V& D, int r) {
+    A = O::add(A, D);
+    B = O::sub(B, C);
+    const V t = O::h2t(A, B, r);
+    const V C1 = O::sub(t, D);
+    const V D1 = O::sub(t, C);
+    A = O::sub(A, D1);
+    B = O::add(B, C1);
+    C = C1;
+    D = D1;
+  }
+  static inline void odd(V& A, V& B, V& C, V& D) {
+    B = O::sub(B, C);
+    A = O::add(A, D);
+    C = O::add(C, O::half_up(B));
+    D = O::sub(O::half_up(A), D);
+    B = O::sub(B, O::r3p4s3(A));
+    A = O::add(A, O::r3p4s3(B));
+    D = O::sub(D, O::r3p4s3(C));
+    C = O::add(C, O::r3p4s3(D));
+    D = O::add(D, O::half(B));
+    C = O::sub(C, O::half_up(A));
+    B = O::sub(B, D);
+    A = O::add(A, C);
+  }
+  static inline void odd_inv(V& A, V& B, V& C, V& D) {
+    B = O::add(B, D);
+    A = O::sub(A, C);
+    D = O::sub(D, O::half(B));
+    C = O::add(C, O::half_up(A));
+    A = O::sub(A, O::r3p4s3(B));
+    B = O::add(B, O::r3p4s3(A));
+    C = O::sub(C, O::r3p4s3(D));
+    D = O::add(D, O::r3p4s3(C));
+    C = O::sub(C, O::half_up(B));
+    D = O::sub(O::half_up(A), D);
+    B = O::add(B, C);
+    A = O::sub(A, D);
+  }
+  static inline void odd_odd(V& A, V& B, V& C, V& D) {
+    B = O::neg(B);
+    C = O::neg(C);
+    D = O::add(D, A);
+    C = O::sub(C, B);
+    const V t1 = O::half(D);
+    A = O::sub(A, t1);
+    const V t2 = O::half(C);
+    B = O::add(B, t2);
+    A = O::add(A, O::r3p4s3(B));
+    B = O::sub(B, O::r3p3s2(A));
+    A = O::add(A, O::r3p3s3(B));
+    B = O::sub(B, t2);
+    A = O::add(A, t1);
+    C = O::add(C, B);
+    D = O::sub(D, A);
+  }
+  static inline void odd_odd_inv(V& A, V& B, V& C, V& D) {
+    D = O::add(D, A);
+    C = O::sub(C, B);
+    const V t1 = O::half(D);
+    A = O::sub(A, t1);
+    const V t2 = O::half(C);
+    B = O::add(B, t2);
+    A = O::sub(A, O::r3p3s3(B));
+    B = O::add(B, O::r3p3s2(A));
+    A = O::sub(A, O::r3p4s3(B));
+    B = O::sub(B, t2);
+    A = O::add(A, t1);
+    C = O::add(C, B);
+    D = O::sub(D, A);
+    B = O::neg(B);
+    C = O::neg(C);
+  }
+  static inline void fwd(V* x) {
+    h2(x[0], x[3], x[12], x[15], 0);
+    h2(x[1], x[2], x[13], x[14], 0);
+    h2(x[4], x[7], x[8], x[11], 0);
+    h2(x[5], x[6], x[9], x[10], 0);
+    h2(x[0], x[1], x[4], x[5], 1);
+    odd(x[2], x[3], x[6], x[7]);
+    odd(x[8], x[12], x[9], x[13]);
+    odd_odd(x[10], x[11], x[14], x[15]);
+  }
+  static inline void inv(V* x) {
+    odd_inv(x[2], x[3], x[6], x[7]);
+    odd_inv(x[8], x[12], x[9], x[13]);
+    odd_odd_inv(x[10], x[11], x[14], x[15]);
+    h2(x[0], x[1], x[4], x[5], 1);
+    h2(x[0], x[3], x[12], x[15], 0);
+    h2(x[1], x[2], x[13], x[14], 0);
+    h2(x[4], x[7], x[8], x[11], 0);
+    h2(x[5], x[6], x[9], x[10], 0);
+  }
+};
+
+template <class O, bool kFwd>
+inline void transform(typename O::V* x) {
+  if constexpr (kFwd)
+    Lift<O>::fwd(x);
+  else
+    Lift<O>::inv(x);
+}
+
+// ---------------------------------------------------------------- 16s
+// A slot is a pair of horizontally adjacent blocks (8 elements per row),
+// or a single block at the right edge (4 elements).
+struct Slot16 {
+  uint8_t* p;  // row 0 of the slot
+  int full;    // 1: two blocks, 0: one block
+};
+
+template <bool kFwd>
+inline void group16(const Slot16* s, int n, std::ptrdiff_t step) {
+  __m128i x[16];
+  for (int y = 0; y < 4; ++y) {
+    __m128i P[4];
+    for (int k = 0; k < 4; ++k) {
+      if (k < n) {
+        const uint8_t* r = s[k].p + y * step;
+        P[k] = s[k].full ? simd::load16(r) : simd::load8(r);
+      } else {
+        P[k] = _mm_setzero_si128();
+      }
+    }
+    // lanes of X: blocks 0 2 4 6 1 3 5 7 (block 2k, 2k+1 = slot k)
+    const __m128i t0 = _mm_unpacklo_epi16(P[0], P[1]);
+    const __m128i t1 = _mm_unpackhi_epi16(P[0], P[1]);
+    const __m128i t2 = _mm_unpacklo_epi16(P[2], P[3]);
+    const __m128i t3 = _mm_unpackhi_epi16(P[2], P[3]);
+    const __m128i u0 = _mm_unpacklo_epi32(t0, t2);
+    const __m128i u1 = _mm_unpackhi_epi32(t0, t2);
+    const __m128i u2 = _mm_unpacklo_epi32(t1, t3);
+    const __m128i u3 = _mm_unpackhi_epi32(t1, t3);
+    x[4 * y + 0] = _mm_unpacklo_epi64(u0, u2);
+    x[4 * y + 1] = _mm_unpackhi_epi64(u0, u2);
+    x[4 * y + 2] = _mm_unpacklo_epi64(u1, u3);
+    x[4 * y + 3] = _mm_unpackhi_epi64(u1, u3);
+  }
+  transform<Ops16, kFwd>(x);
+  for (int y = 0; y < 4; ++y) {
+    const __m128i s0 = _mm_unpacklo_epi16(x[4 * y + 0], x[4 * y + 1]);
+    const __m128i s1 = _mm_unpackhi_epi16(x[4 * y + 0], x[4 * y + 1]);
+    const __m128i s2 = _mm_unpacklo_epi16(x[4 * y + 2], x[4 * y + 3]);
+    const __m128i s3 = _mm_unpackhi_epi16(x[4 * y + 2], x[4 * y + 3]);
+    const __m128i w0 = _mm_unpacklo_epi32(s0, s2);
+    const __m128i w1 = _mm_unpackhi_epi32(s0, s2);
+    const __m128i w2 = _mm_unpacklo_epi32(s1, s3);
+    const __m128i w3 = _mm_unpackhi_epi32(s1, s3);
+    __m128i P[4];
+    P[0] = _mm_unpacklo_epi64(w0, w2);
+    P[1] = _mm_unpackhi_epi64(w0, w2);
+    P[2] = _mm_unpacklo_epi64(w1, w3);
+    P[3] = _mm_unpackhi_epi64(w1, w3);
+    for (int k = 0; k < n; ++k) {
+      uint8_t* r = s[k].p + y * step;
+      if (s[k].full)
+        simd::store16(r, P[k]);
+      else
+        simd::store8(r, P[k]);
+    }
+  }
+}
+
+template <bool kFwd>
+void region16(int16_t* p, std::ptrdiff_t step, int width, int height) {
+  auto* base = reinterpret_cast<uint8_t*>(p);
+  Slot16 s[4];
+  int n = 0;
+  for (int by = 0; by < height; by += 4) {
+    uint8_t* row = base + by * step;
+    for (int bx = 0; bx < width; bx += 8) {
+      s[n].p = row + bx * 2;
+      s[n].full = bx + 8 <= width;
+      if (++n == 4) {
+        group16<kFwd>(s, 4, step);
+        n = 0;
+      }
+    }
+  }
+  if (n) group16<kFwd>(s, n, step);
+}
+
+// ---------------------------------------------------------------- 32s / 32f
+// A slot is one block (4 elements per row); a group takes four.
+template <class O>
+struct Mem32;
+template <>
+struct Mem32<Ops32> {
+  static __m128i load(const uint8_t* p) { return simd::load16(p); }
+  static void store(uint8_t* p, __m128i v) { simd::store16(p, v); }
+  static __m128i zero() { return _mm_setzero_si128(); }
+  static void transpose(__m128i& a, __m128i& b, __m128i& c, __m128i& d) {
+    const __m128i t0 = _mm_unpacklo_epi32(a, b), t1 = _mm_unpackhi_epi32(a, b);
+    const __m128i t2 = _mm_unpacklo_epi32(c, d), t3 = _mm_unpackhi_epi32(c, d);
+    a = _mm_unpacklo_epi64(t0, t2);
+    b = _mm_unpackhi_epi64(t0, t2);
+    c = _mm_unpacklo_epi64(t1, t3);
+    d = _mm_unpackhi_epi64(t1, t3);
+  }
+};
+template <>
+struct Mem32<OpsF> {
+  static __m128 load(const uint8_t* p) { return _mm_loadu_ps(reinterpret_cast<const float*>(p)); }
+  static void store(uint8_t* p, __m128 v) { _mm_storeu_ps(reinterpret_cast<float*>(p), v); }
+  static __m128 zero() { return _mm_setzero_ps(); }
+  static void transpose(__m128& a, __m128& b, __m128& c, __m128& d) { _MM_TRANSPOSE4_PS(a, b, c, d); }
+};
+
+template <class O, bool kFwd>
+inline void group32(uint8_t* const* s, int n, std::ptrdiff_t step) {
+  using M = Mem32<O>;
+  typename O::V x[16];
+  for (int y = 0; y < 4; ++y) {
+    typename O::V q[4];
+    for (int k = 0; k < 4; ++k) q[k] = k < n ? M::load(s[k] + y * step) : M::zero();
+    M::transpose(q[0], q[1], q[2], q[3]);
+    for (int k = 0; k < 4; ++k) x[4 * y + k] = q[k];
+  }
+  transform<O, kFwd>(x);
+  for (int y = 0; y < 4; ++y) {
+    typename O::V q[4] = {x[4 * y], x[4 * y + 1], x[4 * y + 2], x[4 * y + 3]};
+    M::transpose(q[0], q[1], q[2], q[3]);
+    for (int k = 0; k < n; ++k) M::store(s[k] + y * step, q[k]);
+  }
+}
+
+template <class O, bool kFwd>
+void region32(void* p, std::ptrdiff_t step, int width, int height) {
+  auto* base = static_cast<uint8_t*>(p);
+  uint8_t* s[4];
+  int n = 0;
+  for (int by = 0; by < height; by += 4) {
+    uint8_t* row = base + by * step;
+    for (int bx = 0; bx < width; bx += 4) {
+      s[n] = row + bx * 4;
+      if (++n == 4) {
+        group32<O, kFwd>(s, 4, step);
+        n = 0;
+      }
+    }
+  }
+  if (n) group32<O, kFwd>(s, n, step);
+}
+
+}  // namespace
+
+void pct_fwd_16s(int16_t* p, std::ptrdiff_t step, int w, int h) { region16<true>(p, step, w, h); }
+void pct_inv_16s(int16_t* p, std::ptrdiff_t step, int w, int h) { region16<false>(p, step, w, h); }
+void pct_fwd_32s(int32_t* p, std::ptrdiff_t step, int w, int h) { region32<Ops32, true>(p, step, w, h); }
+void pct_inv_32s(int32_t* p, std::ptrdiff_t step, int w, int h) { region32<Ops32, false>(p, step, w, h); }
+void pct_fwd_32f(float* p, std::ptrdiff_t step, int w, int h) { region32<OpsF, true>(p, step, w, h); }
+void pct_inv_32f(float* p, std::ptrdiff_t step, int w, int h) { region32<OpsF, false>(p, step, w, h); }
+
+}  // namespace vpr::jxr::sse
