@@ -71,8 +71,18 @@
  * | 12 6 6 12 6 6 7 7), each with its current code table, discriminant delta
  * tables, decoder lookup tables, index, bounds and discriminants, and three
  * adaptive scan orders of 16 entries (total, position, two coordinates).
- * The object holds no pointer into itself (the current scan is an index),
- * so it may be copied byte for byte.
+ * The memory must be aligned to 8 bytes (as any malloc result is).  The
+ * object holds no pointer into itself (the current scan is an index), so it
+ * may be copied byte for byte within a process (it does point to the
+ * library's constant code tables).
+ *
+ * A discriminant is checked against the bounds of its table: a first
+ * discriminant below the lower bound (-8; none at index 0) switches to the
+ * previous code table, otherwise the upward discriminant above the upper
+ * bound (8; 0x40000000 at the last index, out of reach of discriminants
+ * that are clamped to -64..64 and grow by the small deltas) switches to the
+ * next.  The block and DC coders add the delta of each coded symbol to the
+ * discriminants of its table.
  */
 #ifndef VPRJP_JPEGXR_H
 #define VPRJP_JPEGXR_H
