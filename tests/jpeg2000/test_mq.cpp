@@ -35,6 +35,10 @@ std::vector<uint8_t> drain(MqEncoder& e, const std::vector<int32_t>& rooms) {
     EXPECT_LE(len, room);
     for (int32_t i = len; i < static_cast<int32_t>(sizeof buf); ++i) EXPECT_EQ(buf[i], 0xEE) << "wrote past *pLen";
     out.insert(out.end(), buf, buf + len);
+    // B is a byte register: a carry must not leave C's carry bit in it.
+    EXPECT_LE(e.B, 0xFFu);
+    EXPECT_LT(e.A, 0x10000u);
+    EXPECT_GE(e.A, 0x8000u);
     if (left == 0) break;
     EXPECT_GT(len, 0) << "no progress with room " << room;
   }
