@@ -8,12 +8,13 @@
 //     bit-replicating expansion as (v8 * 66) >> 6 for red/blue and
 //     (v8 * 65) >> 6 for green (v8 = the channel with its low bits cleared),
 //     division by 3 as mulhi(x, 0xAAAB) >> 1 (exact for x < 65536);
-//   - pixels regrouped into RG pairs (two registers of 8 pixels) and one
-//     register of 16 blue bytes, so each L1 distance to a palette entry is
-//     three byte |a - b|, one pmaddubsw per RG register and a widening add
-//     of the blue bytes: 16 distances in two 16-bit registers;
-//   - the index rule on 16-bit compares, the 2-bit indices packed with two
-//     pmaddubsw/packus rounds into the 32-bit index word.
+//   - pixels regrouped into RG byte pairs and 16-bit blue values (two
+//     registers each, 8 pixels per register), so the L1 distances of 8
+//     pixels to a palette entry are one byte |a - b| and one pmaddubsw for
+//     R + G, one 16-bit |a - b| for blue and an add: 16 distances in two
+//     16-bit registers per entry;
+//   - the index rule on 16-bit compares; a byte blend of the two index-bit
+//     masks and pmovmskb give 16 bits of the index word per 8 pixels.
 // Decoder, one block: the four palette entries in one register (both modes
 // computed, the mode picked by a blend), the 16 indices turned into byte
 // offsets 4*k by a 16-bit multiply-shift, and one pshufb per output row.
@@ -59,26 +60,28 @@ inline void encode_rows(__m128i p0, __m128i p1, __m128i p2, __m128i p3, uint8_t*
   const __m128i e23 = _mm_srli_epi16(_mm_mulhi_epu16(sum, _mm_set1_epi16(static_cast<short>(0xAAAB))), 1);
   const __m128i pal = _mm_packus_epi16(e01, e23);
 
-  // Pixels regrouped: RG pairs of pixels 0-7 and 8-15, blue bytes 0-15.
-  const __m128i group = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+  // Pixels regrouped: RG byte pairs of pixels 0-7 and 8-15, and blue as
+  // 16-bit values of pixels 0-7 and 8-15 (alpha dropped).
+  const __m128i group = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, -1, 6, -1, 10, -1, 14, -1);
   const __m128i g0 = _mm_shuffle_epi8(p0, group), g1 = _mm_shuffle_epi8(p1, group);
   const __m128i g2 = _mm_shuffle_epi8(p2, group), g3 = _mm_shuffle_epi8(p3, group);
-  const __m128i rg_a = _mm_unpacklo_epi64(g0, g1);
-  const __m128i rg_b = _mm_unpacklo_epi64(g2, g3);
-  const __m128i blue = _mm_unpacklo_epi64(_mm_unpackhi_epi32(g0, g1), _mm_unpackhi_epi32(g2, g3));
+  const __m128i rg_a = _mm_unpacklo_epi64(g0, g1), b_a = _mm_unpackhi_epi64(g0, g1);
+  const __m128i rg_b = _mm_unpacklo_epi64(g2, g3), b_b = _mm_unpackhi_epi64(g2, g3);
 
   const __m128i ones = _mm_set1_epi8(1);
-  const __m128i zero = _mm_setzero_si128();
   __m128i d_a[4], d_b[4];  // L1 distances of pixels 0-7 / 8-15 to entry k
   for (int k = 0; k < 4; ++k) {
     const __m128i rg_k = _mm_shuffle_epi8(pal, _mm_set1_epi16(static_cast<short>((4 * k) | ((4 * k + 1) << 8))));
-    const __m128i b_k = _mm_shuffle_epi8(pal, _mm_set1_epi8(static_cast<char>(4 * k + 2)));
-    const __m128i db = abs_diff_u8(blue, b_k);
-    d_a[k] = _mm_add_epi16(_mm_maddubs_epi16(abs_diff_u8(rg_a, rg_k), ones), _mm_unpacklo_epi8(db, zero));
-    d_b[k] = _mm_add_epi16(_mm_maddubs_epi16(abs_diff_u8(rg_b, rg_k), ones), _mm_unpackhi_epi8(db, zero));
+    const __m128i b_k = _mm_shuffle_epi8(pal, _mm_set1_epi16(static_cast<short>((4 * k + 2) | 0x8000)));
+    d_a[k] = _mm_add_epi16(_mm_maddubs_epi16(abs_diff_u8(rg_a, rg_k), ones), _mm_abs_epi16(_mm_sub_epi16(b_a, b_k)));
+    d_b[k] = _mm_add_epi16(_mm_maddubs_epi16(abs_diff_u8(rg_b, rg_k), ones), _mm_abs_epi16(_mm_sub_epi16(b_b, b_k)));
   }
 
-  __m128i bit0[2], bit1[2];
+  // Index bits of 8 pixels as 16-bit masks; the low byte of each lane is
+  // taken from bit 0, the high byte from bit 1, so pmovmskb yields the two
+  // bits of pixel i at bits 2i and 2i+1.
+  const __m128i low_byte = _mm_set1_epi16(0x00FF);
+  uint32_t halves[2];
   for (int h = 0; h < 2; ++h) {
     const __m128i* d = h == 0 ? d_a : d_b;
     const __m128i b0 = _mm_cmpgt_epi16(d[0], d[3]);
@@ -86,15 +89,11 @@ inline void encode_rows(__m128i p0, __m128i p1, __m128i p2, __m128i p3, uint8_t*
     const __m128i b2 = _mm_cmpgt_epi16(d[0], d[2]);
     const __m128i b3 = _mm_cmpgt_epi16(d[1], d[3]);
     const __m128i b4 = _mm_cmpgt_epi16(d[2], d[3]);
-    bit0[h] = _mm_and_si128(b0, b4);
-    bit1[h] = _mm_or_si128(_mm_and_si128(b1, b2), _mm_and_si128(b0, b3));
+    const __m128i bit0 = _mm_and_si128(b0, b4);
+    const __m128i bit1 = _mm_or_si128(_mm_and_si128(b1, b2), _mm_and_si128(b0, b3));
+    halves[h] = static_cast<uint32_t>(_mm_movemask_epi8(_mm_blendv_epi8(bit1, bit0, low_byte)));
   }
-  const __m128i m0 = _mm_packs_epi16(bit0[0], bit0[1]);  // 0 / -1 per pixel
-  const __m128i m1 = _mm_packs_epi16(bit1[0], bit1[1]);
-  const __m128i idx = _mm_sub_epi8(_mm_and_si128(m1, _mm_set1_epi8(2)), m0);  // 0..3 per pixel
-  const __m128i nib = _mm_maddubs_epi16(idx, _mm_set1_epi16(0x0401));        // i0 + 4 i1
-  const __m128i byt = _mm_maddubs_epi16(_mm_packus_epi16(nib, nib), _mm_set1_epi16(0x1001));
-  const uint32_t indices = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(byt, byt)));
+  const uint32_t indices = halves[0] | (halves[1] << 16);
 
   const uint64_t word = endpoints | (static_cast<uint64_t>(indices) << 32);
   std::memcpy(out, &word, 8);
@@ -172,7 +171,12 @@ void encode_image_dxt1(const uint8_t* src, int32_t srcStep, int32_t width, int32
     uint8_t* d = dst + kDxt1BlockBytes * by * bw;
     int64_t bx = 0;
     if (rows == 4) {
-      for (; bx < full_bw; ++bx) encode_block_rgba_dxt1_rows(s + 16 * bx, srcStep, d + kDxt1BlockBytes * bx);
+      const uint8_t* s1 = simd::row_ptr(s, srcStep, 1);
+      const uint8_t* s2 = simd::row_ptr(s, srcStep, 2);
+      const uint8_t* s3 = simd::row_ptr(s, srcStep, 3);
+      for (; bx < full_bw; ++bx)
+        encode_rows(simd::load16(s + 16 * bx), simd::load16(s1 + 16 * bx), simd::load16(s2 + 16 * bx),
+                    simd::load16(s3 + 16 * bx), d + kDxt1BlockBytes * bx);
     }
     for (; bx < bw; ++bx) {
       const int64_t x0 = 4 * bx;
