@@ -1,0 +1,271 @@
+// Fast block coders: the bit accumulator lives in registers for the whole
+// block.  They produce exactly the bytes, positions and states of the
+// careful coders in huffman.cpp; the encoder declines (before anything
+// observable changes) when the output might not hold the block or a symbol
+// lacks a short enough code, the decoder declines when a marker is pending.
+#include <cstring>
+
+#include "core/simd.h"
+#include "jpeg/huffman.h"
+
+namespace vpr::jpeg::sse {
+
+namespace {
+
+inline uint32_t bswap32(uint32_t v) { return __builtin_bswap32(v); }
+
+// True when some byte of w is 0xFF.
+inline bool has_ff(uint32_t w) {
+  const uint32_t x = ~w;
+  return ((x - 0x01010101u) & ~x & 0x80808080u) != 0;
+}
+
+inline int bit_length(uint32_t a) { return a ? 32 - __builtin_clz(a) : 0; }
+
+// Worst case of one block with codes of at most 16 bits: 7 waiting bits,
+// DC 16+16, 63 x (16+16), 3 ZRL, EOB = 2135 bits = 267 bytes, doubled by
+// stuffing, plus the 4-byte store granularity.
+constexpr int kEncodeRoom = 560;
+
+struct Writer {
+  uint8_t* out;
+  uint64_t bb;  // right-aligned; only the low n bits matter
+  int n;
+  uint32_t last;  // last data byte written (the state's bits 24..31)
+
+  inline void emit_byte(uint32_t b) {
+    *out++ = static_cast<uint8_t>(b);
+    if (b == 0xFF) *out++ = 0;
+    last = b;
+  }
+  inline void put(uint32_t bits, int len) {  // len <= 32
+    bb = (bb << len) | bits;
+    n += len;
+    if (n >= 32) {
+      n -= 32;
+      const uint32_t w = static_cast<uint32_t>(bb >> n);
+      if (!has_ff(w)) {
+        const uint32_t be = bswap32(w);
+        std::memcpy(out, &be, 4);
+        out += 4;
+        last = w & 0xFFu;
+      } else {
+        emit_byte(w >> 24);
+        emit_byte((w >> 16) & 0xFFu);
+        emit_byte((w >> 8) & 0xFFu);
+        emit_byte(w & 0xFFu);
+      }
+    }
+  }
+};
+
+}  // namespace
+
+VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* pDstPosition, int16_t prevDc,
+                           const EncodeHuffmanSpecLayout* dc, const EncodeHuffmanSpecLayout* ac,
+                           EncodeHuffmanStateLayout* state) {
+  const int pos = *pDstPosition;
+  if (pos < 0 || static_cast<int64_t>(dstLen) - pos < kEncodeRoom) return kDeclined;
+
+  alignas(16) int16_t zz[64];
+  for (int k = 0; k < 64; ++k) zz[k] = pSrc[own_pj_izigzag_index_huff[k]];
+  const __m128i zero = _mm_setzero_si128();
+  uint64_t zmask = 0;
+  for (int i = 0; i < 4; ++i) {
+    const __m128i a = _mm_cmpeq_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(zz + 16 * i)), zero);
+    const __m128i b = _mm_cmpeq_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(zz + 16 * i + 8)), zero);
+    zmask |= static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(a, b)))) << (16 * i);
+  }
+  uint64_t nz = ~zmask & ~uint64_t{1};
+
+  const int c = state->nbits;
+  Writer w{pDst + pos, c ? (state->acc >> (24 - c)) & ((1u << c) - 1u) : 0u, c, state->acc >> 24};
+
+  // DC
+  const int32_t diff = static_cast<int32_t>(pSrc[0]) - prevDc;
+  {
+    const int32_t sgn = diff >> 31;
+    const int s = bit_length(static_cast<uint32_t>((diff ^ sgn) - sgn));
+    const uint32_t e = dc->entry[s];
+    const int len = static_cast<int>(e >> 16);
+    if (len - 1u > 15u) return kDeclined;
+    const uint32_t bits = s ? (static_cast<uint32_t>(diff + sgn) & ((1u << s) - 1u)) : 0u;
+    w.put(((e & ((1u << len) - 1u)) << s) | bits, len + s);
+  }
+  // AC
+  const uint32_t zrl = ac->entry[0xF0];
+  int prev = 0;
+  while (nz) {
+    const int k = __builtin_ctzll(nz);
+    nz &= nz - 1;
+    int run = k - prev - 1;
+    prev = k;
+    if (run > 15) {
+      const int zlen = static_cast<int>(zrl >> 16);
+      if (zlen - 1u > 15u) return kDeclined;
+      do {
+        w.put(zrl & ((1u << zlen) - 1u), zlen);
+        run -= 16;
+      } while (run > 15);
+    }
+    const int32_t v = zz[k];
+    const int32_t sgn = v >> 31;
+    const int s = bit_length(static_cast<uint32_t>((v ^ sgn) - sgn));
+    const int sym = run * 16 + s;
+    if (sym > 255) return kDeclined;
+    const uint32_t e = ac->entry[sym];
+    const int len = static_cast<int>(e >> 16);
+    if (len - 1u > 15u) return kDeclined;
+    w.put(((e & ((1u << len) - 1u)) << s) | (static_cast<uint32_t>(v + sgn) & ((1u << s) - 1u)), len + s);
+  }
+  if (prev != 63) {
+    const uint32_t e = ac->entry[0];
+    const int len = static_cast<int>(e >> 16);
+    if (len - 1u > 15u) return kDeclined;
+    w.put(e & ((1u << len) - 1u), len);
+  }
+  while (w.n >= 8) {
+    w.n -= 8;
+    w.emit_byte(static_cast<uint32_t>(w.bb >> w.n) & 0xFFu);
+  }
+  const uint32_t pending = static_cast<uint32_t>(w.bb) & ((1u << w.n) - 1u);
+  state->acc = (w.last << 24) | (pending << (24 - w.n));
+  state->nbits = w.n;
+  *pDstPosition = static_cast<int>(w.out - pDst);
+  return vprStatusOk;
+}
+
+namespace {
+
+struct Reader {
+  const uint8_t* src;
+  int len;
+  int pos;
+  int* marker;
+  uint32_t acc;
+  int n;
+  DecodeHuffmanStateLayout* st;
+
+  // The careful routines on the register copy.
+  inline void spill() {
+    st->acc = acc;
+    st->nbits = n;
+  }
+  inline void reload() {
+    acc = st->acc;
+    n = st->nbits;
+  }
+  // Same effect as ownpj_FillBitBuffer (n < 25 on entry): whole bytes until
+  // at least 25 bits are valid; four bytes at once when none is 0xFF.
+  inline VprStatus fill(int need) {
+    if (*marker == 0 && pos <= len - 4) {
+      uint32_t w;
+      std::memcpy(&w, src + pos, 4);
+      w = bswap32(w);
+      const int nb = (32 - n) >> 3;
+      const uint32_t keep = nb == 4 ? 0xFFFFFFFFu : ~(0xFFFFFFFFu >> (8 * nb));
+      if (!has_ff(w & keep)) {
+        acc = static_cast<uint32_t>((static_cast<uint64_t>(acc) << (8 * nb)) | (w >> (32 - 8 * nb)));
+        n += 8 * nb;
+        pos += nb;
+        return vprStatusOk;
+      }
+    }
+    spill();
+    const VprStatus s = ownpj_FillBitBuffer(src, len, &pos, marker, need, st);
+    reload();
+    return s;
+  }
+  inline VprStatus need(int t) {
+    if (n >= t) return vprStatusOk;
+    const VprStatus s = fill(t);
+    if (s < 0) return s;
+    return n >= t ? vprStatusOk : vprStatusCodeRange;
+  }
+  inline uint32_t take(int t) {
+    n -= t;
+    return (acc >> n) & ((1u << t) - 1u);
+  }
+  inline VprStatus slow(int L, const DecodeHuffmanSpecLayout* spec, int* sym) {
+    spill();
+    const VprStatus s = ownpj_DecodeHuffSymbolSlow(src, len, &pos, marker, L, sym, spec, st);
+    reload();
+    return s;
+  }
+  inline VprStatus symbol(const DecodeHuffmanSpecLayout* spec, int* sym) {
+    if (n < 8) {
+      const VprStatus s = fill(0);
+      if (s < 0) return s;
+      if (n < 8) return slow(1, spec, sym);
+    }
+    uint32_t pair;
+    std::memcpy(&pair, spec->fast[(acc >> (n - 8)) & 0xFFu], 4);
+    const int l = static_cast<int>(pair >> 16);
+    if (l == 0) return slow(9, spec, sym);
+    n -= l;
+    *sym = static_cast<int>(pair & 0xFFFFu);
+    return vprStatusOk;
+  }
+};
+
+}  // namespace
+
+VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, int16_t* pDst, int16_t* pPreviousDc,
+                           int* pMarker, const DecodeHuffmanSpecLayout* dc, const DecodeHuffmanSpecLayout* ac,
+                           DecodeHuffmanStateLayout* state) {
+  if (*pMarker != 0) return kDeclined;
+  const __m128i zero = _mm_setzero_si128();
+  for (int i = 0; i < 8; ++i) _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst + 8 * i), zero);
+
+  Reader r{pSrc, srcLen, *pSrcPosition, pMarker, state->acc, state->nbits, state};
+  VprStatus st;
+  int sym = 0;
+  st = r.symbol(dc, &sym);
+  if (st < 0) goto fail;
+  {
+    int32_t v = 0;
+    if (sym > 0) {
+      const int t = sym & 15;
+      st = r.need(t);
+      if (st < 0) goto fail;
+      v = t ? extend_bits(r.take(t), t) : 0;
+    }
+    *pPreviousDc = static_cast<int16_t>(static_cast<uint16_t>(*pPreviousDc + v));
+    pDst[0] = *pPreviousDc;
+  }
+  for (int k = 1; k < 64;) {
+    st = r.symbol(ac, &sym);
+    if (st < 0) goto fail;
+    const int run = sym >> 4, t = sym & 15;
+    if (t != 0) {
+      k += run;
+      if (r.n < t) {
+        st = r.need(t);
+        if (st < 0) goto fail;
+      }
+      const uint32_t bits = r.take(t);
+      if (k > 63) {
+        st = vprStatusError;
+        goto fail;
+      }
+      const int32_t v = (bits >> (t - 1)) ? static_cast<int32_t>(bits)
+                                          : static_cast<int32_t>(bits) + own_pj_lowest_coef[t];
+      pDst[own_pj_izigzag_index_huff[k]] = static_cast<int16_t>(v);
+      ++k;
+    } else if (run == 15) {
+      k += 16;
+    } else {
+      break;
+    }
+  }
+  r.spill();
+  *pSrcPosition = r.pos;
+  return vprStatusOk;
+fail:
+  r.spill();
+  *pSrcPosition = r.pos;
+  state->word3 = 0;
+  return st;
+}
+
+}  // namespace vpr::jpeg::sse
