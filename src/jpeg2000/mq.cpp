@@ -145,24 +145,39 @@ inline void deliver(MqEncoder* e, uint8_t* dst, int32_t room, int32_t& w) {
   }
 }
 
-// Codes recorded symbols until they run out or the room is full.
-void code_symbols(MqEncoder* e, uint8_t* dst, int32_t room, int32_t& w) {
+// Codes recorded symbols until they run out or the room is full (w < room
+// on entry).  The delivery cursor lives in locals: bytes are formed about
+// once per eight coded bits, so the loop mostly codes.
+void code_symbols(MqEncoder* e, uint8_t* dst, int32_t room, int32_t& w_io) {
   Regs r = load(e);
+  int32_t w = w_io;
   int32_t next = e->next;
+  uint32_t delivered = e->delivered;
+  uint32_t skip = e->skip_first;
   const int32_t count = e->count;
-  const uint8_t* dec = e->decisions;
-  const uint8_t* cxs = e->contexts;
-  MqContext* ctx = e->ctx;
-  while (next < count && w < room) {
+  const uint8_t* const dec = e->decisions;
+  const uint8_t* const cxs = e->contexts;
+  MqContext* const ctx = e->ctx;
+  const uint8_t* const stage = e->stage;
+  while (next < count) {
     encode(r, ctx[cxs[next]], dec[next]);
     ++next;
-    if (r.n != e->delivered) {
-      e->produced = r.n;
-      deliver(e, dst, room, w);
+    if (r.n != delivered) {
+      do {
+        const uint8_t b = stage[delivered++ & kStageMask];
+        if (skip)
+          skip = 0;
+        else
+          dst[w++] = b;
+      } while (delivered != r.n && w < room);
+      if (w >= room) break;
     }
   }
   e->next = next;
+  e->delivered = delivered;
+  e->skip_first = skip;
   store(e, r);
+  w_io = w;
 }
 
 // Termination mode 0: SETBITS, then the code-word's tail filled with ones.
@@ -318,7 +333,7 @@ int32_t decEncoderMQEncode(MqEncoder* e, uint8_t* pDst, int32_t* pLen) {
 
 int32_t decEncoderMQTerminate(MqEncoder* e, uint8_t* pDst, int32_t* pLen) {
   const int32_t room = *pLen;
-  if (room == 0) return 1;
+  if (room <= 0) return 1;
   int32_t w = 0;
   deliver(e, pDst, room, w);
   if (w < room) code_symbols(e, pDst, room, w);

@@ -114,8 +114,9 @@ void mq_encoder_init(MqEncoder* e, uint32_t mode, uint8_t* decisions, uint8_t* c
 // delivered total restarts at 0.
 void mq_encoder_restart(MqEncoder* e, uint32_t mode);
 
-// Records decision d (0 or 1; any nonzero value counts as 1) in context cx
-// (0..18).  Returns false, recording nothing, when the arrays are full.
+// Records decision d (0 or 1; any nonzero value counts as 1) in context cx,
+// which must be 0..18 (not checked).  Returns false, recording nothing, when
+// the arrays are full.
 inline bool mq_encoder_record(MqEncoder* e, int cx, int d) {
   if (e->count >= e->capacity) return false;
   e->decisions[e->count] = static_cast<uint8_t>(d != 0);
@@ -124,7 +125,8 @@ inline bool mq_encoder_record(MqEncoder* e, int cx, int d) {
   return true;
 }
 
-// Drains bytes into pDst.  On entry *pLen is the room in pDst (0 or more).
+// Drains bytes into pDst.  On entry *pLen is the room in pDst (a room below
+// 1 writes nothing, codes nothing and sets *pLen to 0).
 // Staged bytes go first (the dummy first byte is dropped, never delivered);
 // then recorded symbols are coded one after another, their bytes delivered
 // as they are formed, until the symbols run out or the room is full (bytes
@@ -135,7 +137,7 @@ inline bool mq_encoder_record(MqEncoder* e, int cx, int d) {
 int32_t decEncoderMQEncode(MqEncoder* e, uint8_t* pDst, int32_t* pLen);
 
 // Finishes the code-word.  On entry *pLen is the room in pDst.
-//   - *pLen == 0 on entry: returns 1 at once and does nothing.
+//   - *pLen == 0 (or below) on entry: returns 1 at once and does nothing.
 //   - Otherwise delivers staged bytes, codes any recorded symbols still
 //     uncoded (as decEncoderMQEncode does), then, once every symbol is coded,
 //     performs the termination of the selected mode (once) and delivers its

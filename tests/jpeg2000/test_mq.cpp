@@ -321,6 +321,37 @@ TEST(MqTermination, ShortestIsShortest) {
   EXPECT_GT(shorter, 50);  // about one code-word in twenty saves bytes
 }
 
+// Exhaustively: for short code-words of the shortest termination, no byte
+// string of one byte less decodes every decision.
+TEST(MqTermination, ShortestBeatsEveryShorterString) {
+  vprtest::Rng rng(123);
+  auto decodes_all = [](const uint8_t* p, int32_t n, const Symbols& s) {
+    MqDecoder d;
+    mq_decoder_init(&d, p, n);
+    for (size_t i = 0; i < s.size(); ++i)
+      if (mq_decode(&d, s.cx[i]) != s.d[i]) return false;
+    return true;
+  };
+  int checked[4] = {0, 0, 0, 0};
+  for (int iter = 0; iter < 4000 && std::min({checked[1], checked[2], checked[3]}) < 4; ++iter) {
+    const Symbols s = make(rng, static_cast<size_t>(rng.uniform(1, 24)), Stats::kUniform);
+    const std::vector<uint8_t> m1 = encode(s, kMqTermShortest);
+    const size_t len = m1.size();
+    if (len == 0 || len > 3 || checked[len] >= 4) continue;
+    ++checked[len];
+    uint8_t cand[2] = {0, 0};
+    const uint32_t total = len == 1 ? 1u : len == 2 ? 256u : 65536u;
+    for (uint32_t v = 0; v < total; ++v) {
+      cand[0] = static_cast<uint8_t>(len == 3 ? v >> 8 : v);
+      cand[1] = static_cast<uint8_t>(v);
+      ASSERT_FALSE(decodes_all(cand, static_cast<int32_t>(len - 1), s)) << "iteration " << iter << ", " << len - 1 << " bytes";
+    }
+  }
+  EXPECT_GT(checked[1], 0);
+  EXPECT_GT(checked[2], 0);
+  EXPECT_GT(checked[3], 0);
+}
+
 TEST(MqTermination, EmptyCodeWord) {
   const Symbols s;
   EXPECT_EQ(encode(s, kMqTermDefault), (std::vector<uint8_t>{0xFF, 0x7F}));
