@@ -6,6 +6,7 @@
 
 #include "bench_util.h"
 #include "jpegxr/pct.h"
+#include "jpegxr/vlc.h"
 #include "vprjp.h"
 
 #if VPR_HAVE_JXR
@@ -135,5 +136,48 @@ void BM_JpegXR_PCTInv4x4Blocks_32s_jxrlib(benchmark::State& s) {
 }
 BENCHMARK(BM_JpegXR_PCTInv4x4Blocks_32s_jxrlib);
 #endif
+
+// ---------------------------------------------------------------- VLC
+// DC-band scan of 4x4 blocks with adaptation (ns/block), sparse blocks as a
+// codec meets them.
+void BM_JpegXR_VLCScan4x4DC_32s_vpr(benchmark::State& s) {
+  const int model_bits = static_cast<int>(s.range(0));
+  alignas(16) unsigned char state[vpr::jxr::kVlcStateSize];
+  vpriVLCInit_JPEGXR(state);
+  vpriVLCScanReset_JPEGXR(state, 2);
+  std::vector<int32_t> blocks(16 * 1024);
+  uint32_t x = 12345;
+  for (auto& v : blocks) {
+    x = x * 1664525u + 1013904223u;
+    const int r = static_cast<int>(x >> 24);
+    v = r < 160 ? 0 : (r & 1 ? 1 : -1) * ((r >> 1) & 63);
+  }
+  int32_t dst[16], rl[30];
+  int np = 0;
+  for (auto _ : s) {
+    for (size_t b = 0; b < blocks.size(); b += 16)
+      vpriVLCScan4x4DC_JPEGXR_32s(blocks.data() + b, model_bits, dst, rl, &np, state);
+    benchmark::DoNotOptimize(np);
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_ns_per_block(s, blocks.size() / 16.0);
+}
+BENCHMARK(BM_JpegXR_VLCScan4x4DC_32s_vpr)->Arg(0)->Arg(2);
+
+// One group adaptation (9 or 8 tables) per call.
+void BM_JpegXR_VLCAdapt_vpr(benchmark::State& s) {
+  alignas(16) unsigned char state[vpr::jxr::kVlcStateSize];
+  vpriVLCInit_JPEGXR(state);
+  auto* st = reinterpret_cast<vpr::jxr::VlcState*>(state);
+  int i = 0;
+  for (auto _ : s) {
+    st->disc[5 + (i & 7)][i & 1] = (i & 16) ? 9 : -9;
+    vpriVLCAdapt_JPEGXR(state, i & 1);
+    ++i;
+    benchmark::ClobberMemory();
+  }
+  vprbench::set_items(s, 1, "adapts");
+}
+BENCHMARK(BM_JpegXR_VLCAdapt_vpr);
 
 }  // namespace

@@ -23,59 +23,61 @@
 namespace vpr::jxr::sse {
 namespace {
 
+#define VPR_ALWAYS_INLINE inline __attribute__((always_inline))
+
 // ---------------------------------------------------------------- ops
 struct Ops16 {
   using V = __m128i;
-  static V add(V a, V b) { return _mm_add_epi16(a, b); }
-  static V sub(V a, V b) { return _mm_sub_epi16(a, b); }
-  static V neg(V a) { return _mm_sub_epi16(_mm_setzero_si128(), a); }
-  static V h2t0(V a, V b) {
+  static VPR_ALWAYS_INLINE V add(V a, V b) { return _mm_add_epi16(a, b); }
+  static VPR_ALWAYS_INLINE V sub(V a, V b) { return _mm_sub_epi16(a, b); }
+  static VPR_ALWAYS_INLINE V neg(V a) { return _mm_sub_epi16(_mm_setzero_si128(), a); }
+  static VPR_ALWAYS_INLINE V h2t0(V a, V b) {
     const V s = _mm_set1_epi16(static_cast<int16_t>(0x8000));
     const V m = _mm_set1_epi16(0x7fff);
     return _mm_xor_si128(_mm_avg_epu16(_mm_xor_si128(a, s), _mm_xor_si128(b, m)), s);
   }
-  static V h2t(V a, V b, int r) { return r ? neg(h2t0(b, a)) : h2t0(a, b); }
-  static V half(V x) { return _mm_srai_epi16(x, 1); }                // x>>1
-  static V half_up(V x) { return _mm_sub_epi16(x, _mm_srai_epi16(x, 1)); }  // (x+1)>>1
-  static V r3p4s3(V x) { return _mm_mulhrs_epi16(x, _mm_set1_epi16(12288)); }
-  static V r3p3s2(V x) { return _mm_sub_epi16(x, _mm_srai_epi16(x, 2)); }
-  static V r3p3s3(V x) { return _mm_srai_epi16(r3p3s2(x), 1); }
+  static VPR_ALWAYS_INLINE V h2t(V a, V b, int r) { return r ? neg(h2t0(b, a)) : h2t0(a, b); }
+  static VPR_ALWAYS_INLINE V half(V x) { return _mm_srai_epi16(x, 1); }                // x>>1
+  static VPR_ALWAYS_INLINE V half_up(V x) { return _mm_sub_epi16(x, _mm_srai_epi16(x, 1)); }  // (x+1)>>1
+  static VPR_ALWAYS_INLINE V r3p4s3(V x) { return _mm_mulhrs_epi16(x, _mm_set1_epi16(12288)); }
+  static VPR_ALWAYS_INLINE V r3p3s2(V x) { return _mm_sub_epi16(x, _mm_srai_epi16(x, 2)); }
+  static VPR_ALWAYS_INLINE V r3p3s3(V x) { return _mm_srai_epi16(r3p3s2(x), 1); }
 };
 
 struct Ops32 {
   using V = __m128i;
-  static V add(V a, V b) { return _mm_add_epi32(a, b); }
-  static V sub(V a, V b) { return _mm_sub_epi32(a, b); }
-  static V neg(V a) { return _mm_sub_epi32(_mm_setzero_si128(), a); }
-  static V h2t(V a, V b, int r) {
+  static VPR_ALWAYS_INLINE V add(V a, V b) { return _mm_add_epi32(a, b); }
+  static VPR_ALWAYS_INLINE V sub(V a, V b) { return _mm_sub_epi32(a, b); }
+  static VPR_ALWAYS_INLINE V neg(V a) { return _mm_sub_epi32(_mm_setzero_si128(), a); }
+  static VPR_ALWAYS_INLINE V h2t(V a, V b, int r) {
     return _mm_srai_epi32(_mm_add_epi32(_mm_sub_epi32(a, b), _mm_set1_epi32(r)), 1);
   }
-  static V half(V x) { return _mm_srai_epi32(x, 1); }
-  static V half_up(V x) { return _mm_srai_epi32(_mm_add_epi32(x, _mm_set1_epi32(1)), 1); }
-  static V times3(V x) { return _mm_add_epi32(_mm_add_epi32(x, x), x); }
-  static V r3p4s3(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(4)), 3); }
-  static V r3p3s2(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(3)), 2); }
-  static V r3p3s3(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(3)), 3); }
+  static VPR_ALWAYS_INLINE V half(V x) { return _mm_srai_epi32(x, 1); }
+  static VPR_ALWAYS_INLINE V half_up(V x) { return _mm_srai_epi32(_mm_add_epi32(x, _mm_set1_epi32(1)), 1); }
+  static VPR_ALWAYS_INLINE V times3(V x) { return _mm_add_epi32(_mm_add_epi32(x, x), x); }
+  static VPR_ALWAYS_INLINE V r3p4s3(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(4)), 3); }
+  static VPR_ALWAYS_INLINE V r3p3s2(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(3)), 2); }
+  static VPR_ALWAYS_INLINE V r3p3s3(V x) { return _mm_srai_epi32(_mm_add_epi32(times3(x), _mm_set1_epi32(3)), 3); }
 };
 
 struct OpsF {
   using V = __m128;
-  static V add(V a, V b) { return _mm_add_ps(a, b); }
-  static V sub(V a, V b) { return _mm_sub_ps(a, b); }
-  static V neg(V a) { return _mm_sub_ps(_mm_setzero_ps(), a); }
-  static V h2t(V a, V b, int) { return _mm_mul_ps(_mm_set1_ps(0.5f), _mm_sub_ps(a, b)); }
-  static V half(V x) { return _mm_mul_ps(_mm_set1_ps(0.5f), x); }
-  static V half_up(V x) { return _mm_mul_ps(_mm_set1_ps(0.5f), x); }
-  static V r3p4s3(V x) { return _mm_mul_ps(_mm_set1_ps(0.375f), x); }
-  static V r3p3s2(V x) { return _mm_mul_ps(_mm_set1_ps(0.75f), x); }
-  static V r3p3s3(V x) { return _mm_mul_ps(_mm_set1_ps(0.375f), x); }
+  static VPR_ALWAYS_INLINE V add(V a, V b) { return _mm_add_ps(a, b); }
+  static VPR_ALWAYS_INLINE V sub(V a, V b) { return _mm_sub_ps(a, b); }
+  static VPR_ALWAYS_INLINE V neg(V a) { return _mm_sub_ps(_mm_setzero_ps(), a); }
+  static VPR_ALWAYS_INLINE V h2t(V a, V b, int) { return _mm_mul_ps(_mm_set1_ps(0.5f), _mm_sub_ps(a, b)); }
+  static VPR_ALWAYS_INLINE V half(V x) { return _mm_mul_ps(_mm_set1_ps(0.5f), x); }
+  static VPR_ALWAYS_INLINE V half_up(V x) { return _mm_mul_ps(_mm_set1_ps(0.5f), x); }
+  static VPR_ALWAYS_INLINE V r3p4s3(V x) { return _mm_mul_ps(_mm_set1_ps(0.375f), x); }
+  static VPR_ALWAYS_INLINE V r3p3s2(V x) { return _mm_mul_ps(_mm_set1_ps(0.75f), x); }
+  static VPR_ALWAYS_INLINE V r3p3s3(V x) { return _mm_mul_ps(_mm_set1_ps(0.375f), x); }
 };
 
 // ---------------------------------------------------------------- lifting
 template <class O>
 struct Lift {
   using V = typename O::V;
-  static inline void h2(V& A, V& B, V& C, V& D, int r) {
+  static VPR_ALWAYS_INLINE void h2(V& A, V& B, V& C, V& D, int r) {
     A = O::add(A, D);
     B = O::sub(B, C);
     const V t = O::h2t(A, B, r);
@@ -86,7 +88,7 @@ struct Lift {
     C = C1;
     D = D1;
   }
-  static inline void odd(V& A, V& B, V& C, V& D) {
+  static VPR_ALWAYS_INLINE void odd(V& A, V& B, V& C, V& D) {
     B = O::sub(B, C);
     A = O::add(A, D);
     C = O::add(C, O::half_up(B));
@@ -100,7 +102,7 @@ struct Lift {
     B = O::sub(B, D);
     A = O::add(A, C);
   }
-  static inline void odd_inv(V& A, V& B, V& C, V& D) {
+  static VPR_ALWAYS_INLINE void odd_inv(V& A, V& B, V& C, V& D) {
     B = O::add(B, D);
     A = O::sub(A, C);
     D = O::sub(D, O::half(B));
@@ -114,7 +116,7 @@ struct Lift {
     B = O::add(B, C);
     A = O::sub(A, D);
   }
-  static inline void odd_odd(V& A, V& B, V& C, V& D) {
+  static VPR_ALWAYS_INLINE void odd_odd(V& A, V& B, V& C, V& D) {
     B = O::neg(B);
     C = O::neg(C);
     D = O::add(D, A);
@@ -131,7 +133,7 @@ struct Lift {
     C = O::add(C, B);
     D = O::sub(D, A);
   }
-  static inline void odd_odd_inv(V& A, V& B, V& C, V& D) {
+  static VPR_ALWAYS_INLINE void odd_odd_inv(V& A, V& B, V& C, V& D) {
     D = O::add(D, A);
     C = O::sub(C, B);
     const V t1 = O::half(D);
@@ -148,7 +150,7 @@ struct Lift {
     B = O::neg(B);
     C = O::neg(C);
   }
-  static inline void fwd(V* x) {
+  static VPR_ALWAYS_INLINE void fwd(V* x) {
     h2(x[0], x[3], x[12], x[15], 0);
     h2(x[1], x[2], x[13], x[14], 0);
     h2(x[4], x[7], x[8], x[11], 0);
@@ -158,7 +160,7 @@ struct Lift {
     odd(x[8], x[12], x[9], x[13]);
     odd_odd(x[10], x[11], x[14], x[15]);
   }
-  static inline void inv(V* x) {
+  static VPR_ALWAYS_INLINE void inv(V* x) {
     odd_inv(x[2], x[3], x[6], x[7]);
     odd_inv(x[8], x[12], x[9], x[13]);
     odd_odd_inv(x[10], x[11], x[14], x[15]);
@@ -171,7 +173,7 @@ struct Lift {
 };
 
 template <class O, bool kFwd>
-inline void transform(typename O::V* x) {
+VPR_ALWAYS_INLINE void transform(typename O::V* x) {
   if constexpr (kFwd)
     Lift<O>::fwd(x);
   else
@@ -186,13 +188,18 @@ struct Slot16 {
   int full;    // 1: two blocks, 0: one block
 };
 
-template <bool kFwd>
-inline void group16(const Slot16* s, int n, std::ptrdiff_t step) {
+// kAll: four slots, each a full pair (the body of a region); otherwise n
+// slots of either kind.
+template <bool kFwd, bool kAll>
+VPR_ALWAYS_INLINE void group16(const Slot16* s, int n, std::ptrdiff_t step) {
+  if constexpr (kAll) n = 4;
   __m128i x[16];
   for (int y = 0; y < 4; ++y) {
     __m128i P[4];
     for (int k = 0; k < 4; ++k) {
-      if (k < n) {
+      if (kAll) {
+        P[k] = simd::load16(s[k].p + y * step);
+      } else if (k < n) {
         const uint8_t* r = s[k].p + y * step;
         P[k] = s[k].full ? simd::load16(r) : simd::load8(r);
       } else {
@@ -230,7 +237,7 @@ inline void group16(const Slot16* s, int n, std::ptrdiff_t step) {
     P[3] = _mm_unpackhi_epi64(w1, w3);
     for (int k = 0; k < n; ++k) {
       uint8_t* r = s[k].p + y * step;
-      if (s[k].full)
+      if (kAll || s[k].full)
         simd::store16(r, P[k]);
       else
         simd::store8(r, P[k]);
@@ -239,22 +246,33 @@ inline void group16(const Slot16* s, int n, std::ptrdiff_t step) {
 }
 
 template <bool kFwd>
+__attribute__((noinline)) void group16_any(const Slot16* s, int n, std::ptrdiff_t step) {
+  group16<kFwd, false>(s, n, step);
+}
+
+template <bool kFwd>
 void region16(int16_t* p, std::ptrdiff_t step, int width, int height) {
   auto* base = reinterpret_cast<uint8_t*>(p);
   Slot16 s[4];
   int n = 0;
+  bool all_full = true;
   for (int by = 0; by < height; by += 4) {
     uint8_t* row = base + by * step;
     for (int bx = 0; bx < width; bx += 8) {
       s[n].p = row + bx * 2;
       s[n].full = bx + 8 <= width;
+      all_full = all_full && s[n].full;
       if (++n == 4) {
-        group16<kFwd>(s, 4, step);
+        if (all_full)
+          group16<kFwd, true>(s, 4, step);
+        else
+          group16_any<kFwd>(s, 4, step);
         n = 0;
+        all_full = true;
       }
     }
   }
-  if (n) group16<kFwd>(s, n, step);
+  if (n) group16_any<kFwd>(s, n, step);
 }
 
 // ---------------------------------------------------------------- 32s / 32f
@@ -263,10 +281,10 @@ template <class O>
 struct Mem32;
 template <>
 struct Mem32<Ops32> {
-  static __m128i load(const uint8_t* p) { return simd::load16(p); }
-  static void store(uint8_t* p, __m128i v) { simd::store16(p, v); }
-  static __m128i zero() { return _mm_setzero_si128(); }
-  static void transpose(__m128i& a, __m128i& b, __m128i& c, __m128i& d) {
+  static VPR_ALWAYS_INLINE __m128i load(const uint8_t* p) { return simd::load16(p); }
+  static VPR_ALWAYS_INLINE void store(uint8_t* p, __m128i v) { simd::store16(p, v); }
+  static VPR_ALWAYS_INLINE __m128i zero() { return _mm_setzero_si128(); }
+  static VPR_ALWAYS_INLINE void transpose(__m128i& a, __m128i& b, __m128i& c, __m128i& d) {
     const __m128i t0 = _mm_unpacklo_epi32(a, b), t1 = _mm_unpackhi_epi32(a, b);
     const __m128i t2 = _mm_unpacklo_epi32(c, d), t3 = _mm_unpackhi_epi32(c, d);
     a = _mm_unpacklo_epi64(t0, t2);
@@ -277,14 +295,14 @@ struct Mem32<Ops32> {
 };
 template <>
 struct Mem32<OpsF> {
-  static __m128 load(const uint8_t* p) { return _mm_loadu_ps(reinterpret_cast<const float*>(p)); }
-  static void store(uint8_t* p, __m128 v) { _mm_storeu_ps(reinterpret_cast<float*>(p), v); }
-  static __m128 zero() { return _mm_setzero_ps(); }
-  static void transpose(__m128& a, __m128& b, __m128& c, __m128& d) { _MM_TRANSPOSE4_PS(a, b, c, d); }
+  static VPR_ALWAYS_INLINE __m128 load(const uint8_t* p) { return _mm_loadu_ps(reinterpret_cast<const float*>(p)); }
+  static VPR_ALWAYS_INLINE void store(uint8_t* p, __m128 v) { _mm_storeu_ps(reinterpret_cast<float*>(p), v); }
+  static VPR_ALWAYS_INLINE __m128 zero() { return _mm_setzero_ps(); }
+  static VPR_ALWAYS_INLINE void transpose(__m128& a, __m128& b, __m128& c, __m128& d) { _MM_TRANSPOSE4_PS(a, b, c, d); }
 };
 
 template <class O, bool kFwd>
-inline void group32(uint8_t* const* s, int n, std::ptrdiff_t step) {
+VPR_ALWAYS_INLINE void group32(uint8_t* const* s, int n, std::ptrdiff_t step) {
   using M = Mem32<O>;
   typename O::V x[16];
   for (int y = 0; y < 4; ++y) {
@@ -302,6 +320,11 @@ inline void group32(uint8_t* const* s, int n, std::ptrdiff_t step) {
 }
 
 template <class O, bool kFwd>
+__attribute__((noinline)) void group32_any(uint8_t* const* s, int n, std::ptrdiff_t step) {
+  group32<O, kFwd>(s, n, step);
+}
+
+template <class O, bool kFwd>
 void region32(void* p, std::ptrdiff_t step, int width, int height) {
   auto* base = static_cast<uint8_t*>(p);
   uint8_t* s[4];
@@ -316,7 +339,7 @@ void region32(void* p, std::ptrdiff_t step, int width, int height) {
       }
     }
   }
-  if (n) group32<O, kFwd>(s, n, step);
+  if (n) group32_any<O, kFwd>(s, n, step);
 }
 
 }  // namespace

@@ -223,11 +223,12 @@ void vlc_adapt_table(VlcState* s, int table) {
   }
   const int32_t dl = d[0];
   const int32_t dh = gSecondDisc[n] ? d[1] : d[0];
+  // (unsigned steps: a corrupt record cannot overflow)
   if (dl < r.lower) {
-    r.index -= 1;
+    r.index = static_cast<int32_t>(static_cast<uint32_t>(r.index) - 1u);
     d[0] = d[1] = 0;
   } else if (dh > r.upper) {
-    r.index += 1;
+    r.index = static_cast<int32_t>(static_cast<uint32_t>(r.index) + 1u);
     d[0] = d[1] = 0;
   } else {
     for (int k = 0; k < 2; ++k) d[k] = d[k] < -64 ? -64 : d[k] > 64 ? 64 : d[k];
