@@ -1,53 +1,720 @@
 // JPEG colour conversion: SSE4.1 row kernels.
+//
+// Products are formed with pmaddwd: two 16-bit samples of a pixel sit in
+// one 32-bit lane ((R, G), (B, 1), (Cb, Cr), ...) and one multiply-add
+// gives w0 * s0 + w1 * s1 exactly in 32 bits.  Weights that do not fit in
+// 16 bits are split into a multiple of 65536 (the sample moved into the
+// high half of the lane) plus a 16-bit remainder.  The 32-bit results are
+// shifted arithmetically and narrowed with packssdw / packuswb, which is
+// exactly clamp (and sat16) of the formulas.  Row remainders the SIMD steps
+// do not cover are converted by the scalar kernel of the same family, so
+// they follow the same formulas by construction.
 #include "core/simd.h"
 #include "jpeg/color.h"
 
 namespace vpr::jpeg::sse {
+namespace {
+
+using simd::load16;
+using simd::load4;
+using simd::load8;
+using simd::store16;
+using simd::store4;
+using simd::store8;
+
+// A 32-bit lane holding w0 in the low and w1 in the high 16 bits.
+inline __m128i pair(int w0, int w1) {
+  return _mm_set1_epi32(static_cast<int32_t>((static_cast<uint32_t>(static_cast<uint16_t>(w0))) |
+                                             (static_cast<uint32_t>(static_cast<uint16_t>(w1)) << 16)));
+}
+inline __m128i hi_mask() { return _mm_set1_epi32(static_cast<int32_t>(0xFFFF0000u)); }
+inline __m128i lo16(__m128i v) { return _mm_cvtepu8_epi16(v); }
+inline __m128i hi16(__m128i v) { return _mm_unpackhi_epi8(v, _mm_setzero_si128()); }
+// v * 65536 in 32-bit lanes, from 16-bit lanes (signed).
+inline __m128i shl16_lo(__m128i v) { return _mm_unpacklo_epi16(_mm_setzero_si128(), v); }
+inline __m128i shl16_hi(__m128i v) { return _mm_unpackhi_epi16(_mm_setzero_si128(), v); }
+inline __m128i pack_u8(__m128i lo, __m128i hi) { return _mm_packus_epi16(lo, hi); }
+
+// ------------------------------------------------------------------ shuffle masks
+
+struct Mask {
+  alignas(16) uint8_t b[16];
+  __m128i v() const { return _mm_load_si128(reinterpret_cast<const __m128i*>(b)); }
+};
+
+// Interleave three byte planes (16 pixels) into 48 bytes: mask of output
+// register k taking from channel c.
+constexpr Mask c3_store_mask(int k, int c) {
+  Mask m{};
+  for (int j = 0; j < 16; ++j) {
+    const int idx = 16 * k + j;
+    m.b[j] = static_cast<uint8_t>(idx % 3 == c ? idx / 3 : 0x80);
+  }
+  return m;
+}
+// Gather channel c of 16 pixels (48 bytes) from input register k.
+constexpr Mask c3_load_mask(int k, int c) {
+  Mask m{};
+  for (int j = 0; j < 16; ++j) {
+    const int idx = 3 * j + c - 16 * k;
+    m.b[j] = static_cast<uint8_t>(idx >= 0 && idx < 16 ? idx : 0x80);
+  }
+  return m;
+}
+// Four pixels of 3 bytes in a register: (ch a, ch b) as 16-bit pairs per
+// 32-bit lane; b < 0 leaves the high half zero.
+constexpr Mask c3_pair_mask(int a, int b) {
+  Mask m{};
+  for (int k = 0; k < 4; ++k) {
+    m.b[4 * k] = static_cast<uint8_t>(3 * k + a);
+    m.b[4 * k + 1] = 0x80;
+    m.b[4 * k + 2] = static_cast<uint8_t>(b < 0 ? 0x80 : 3 * k + b);
+    m.b[4 * k + 3] = 0x80;
+  }
+  return m;
+}
+// Four pixels of 4 bytes: channel 0 of each in lane 0, channel 1 in lane 1...
+constexpr Mask c4_gather_mask() {
+  Mask m{};
+  for (int j = 0; j < 16; ++j) m.b[j] = static_cast<uint8_t>(4 * (j & 3) + (j >> 2));
+  return m;
+}
+// C2 (Y0 Cb Y1 Cr) groups: Y of 8 pixels, Cb / Cr of 4 pairs, into bytes
+// starting at `at` (the rest zero).
+constexpr Mask c2_mask(int first, int stride, int count, int at) {
+  Mask m{};
+  for (int j = 0; j < 16; ++j) m.b[j] = 0x80;
+  for (int j = 0; j < count; ++j) m.b[at + j] = static_cast<uint8_t>(first + stride * j);
+  return m;
+}
+
+constexpr Mask kC3Store[3][3] = {{c3_store_mask(0, 0), c3_store_mask(0, 1), c3_store_mask(0, 2)},
+                                 {c3_store_mask(1, 0), c3_store_mask(1, 1), c3_store_mask(1, 2)},
+                                 {c3_store_mask(2, 0), c3_store_mask(2, 1), c3_store_mask(2, 2)}};
+constexpr Mask kC3Load[3][3] = {{c3_load_mask(0, 0), c3_load_mask(0, 1), c3_load_mask(0, 2)},
+                                {c3_load_mask(1, 0), c3_load_mask(1, 1), c3_load_mask(1, 2)},
+                                {c3_load_mask(2, 0), c3_load_mask(2, 1), c3_load_mask(2, 2)}};
+// (byte 0, byte 1), (byte 2, byte 1), (byte 0, 0), (byte 2, 0) of each pixel.
+constexpr Mask kPair01 = c3_pair_mask(0, 1), kPair21 = c3_pair_mask(2, 1);
+constexpr Mask kPair0 = c3_pair_mask(0, -1), kPair2 = c3_pair_mask(2, -1);
+constexpr Mask kC4Gather = c4_gather_mask();
+constexpr Mask kC2Y = c2_mask(0, 2, 8, 0), kC2Cb = c2_mask(1, 4, 4, 0), kC2Cr = c2_mask(3, 4, 4, 0);
+constexpr Mask kC2CbHi = c2_mask(1, 4, 4, 4), kC2CrHi = c2_mask(3, 4, 4, 4), kC2YHi = c2_mask(0, 2, 8, 8);
+
+// Three byte planes a, b, c (16 pixels) -> 48 interleaved bytes in o[3].
+inline void interleave3(__m128i a, __m128i b, __m128i c, __m128i o[3]) {
+  for (int k = 0; k < 3; ++k)
+    o[k] = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(a, kC3Store[k][0].v()), _mm_shuffle_epi8(b, kC3Store[k][1].v())),
+                        _mm_shuffle_epi8(c, kC3Store[k][2].v()));
+}
+inline void store_c3(uint8_t* d, __m128i a, __m128i b, __m128i c, int pixels) {
+  __m128i o[3];
+  interleave3(a, b, c, o);
+  if (pixels == 16) {
+    store16(d, o[0]);
+    store16(d + 16, o[1]);
+    store16(d + 32, o[2]);
+  } else if (pixels == 8) {
+    store16(d, o[0]);
+    store8(d + 16, o[1]);
+  } else {  // 4
+    store8(d, o[0]);
+    store4(d + 8, _mm_srli_si128(o[0], 8));
+  }
+}
+inline void store_c4(uint8_t* d, __m128i a, __m128i b, __m128i c, __m128i e, int pixels) {
+  const __m128i ab0 = _mm_unpacklo_epi8(a, b), ce0 = _mm_unpacklo_epi8(c, e);
+  store16(d, _mm_unpacklo_epi16(ab0, ce0));
+  if (pixels == 4) return;
+  store16(d + 16, _mm_unpackhi_epi16(ab0, ce0));
+  if (pixels == 8) return;
+  const __m128i ab1 = _mm_unpackhi_epi8(a, b), ce1 = _mm_unpackhi_epi8(c, e);
+  store16(d + 32, _mm_unpacklo_epi16(ab1, ce1));
+  store16(d + 48, _mm_unpackhi_epi16(ab1, ce1));
+}
+
+// 16 pixels (or fewer: missing registers zero) of C3 / C4 -> byte planes
+// in source byte order.
+inline void deinterleave3(__m128i v0, __m128i v1, __m128i v2, __m128i ch[3]) {
+  for (int c = 0; c < 3; ++c)
+    ch[c] = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(v0, kC3Load[0][c].v()), _mm_shuffle_epi8(v1, kC3Load[1][c].v())),
+                         _mm_shuffle_epi8(v2, kC3Load[2][c].v()));
+}
+inline void deinterleave4(__m128i v0, __m128i v1, __m128i v2, __m128i v3, __m128i ch[3]) {
+  const __m128i m = kC4Gather.v();
+  const __m128i s0 = _mm_shuffle_epi8(v0, m), s1 = _mm_shuffle_epi8(v1, m), s2 = _mm_shuffle_epi8(v2, m),
+                s3 = _mm_shuffle_epi8(v3, m);
+  const __m128i t0 = _mm_unpacklo_epi32(s0, s1), t1 = _mm_unpacklo_epi32(s2, s3), t2 = _mm_unpackhi_epi32(s0, s1),
+                t3 = _mm_unpackhi_epi32(s2, s3);
+  ch[0] = _mm_unpacklo_epi64(t0, t1);
+  ch[1] = _mm_unpackhi_epi64(t0, t1);
+  ch[2] = _mm_unpacklo_epi64(t2, t3);
+}
+// Loads `pixels` (16 or 8) pixels of `CH` channels and returns R, G, B planes.
+template <int CH, int RI>
+inline void load_planes(const uint8_t* p, int pixels, __m128i& r, __m128i& g, __m128i& b) {
+  __m128i ch[3];
+  const __m128i z = _mm_setzero_si128();
+  if (CH == 3) {
+    if (pixels == 16)
+      deinterleave3(load16(p), load16(p + 16), load16(p + 32), ch);
+    else
+      deinterleave3(load16(p), load8(p + 16), z, ch);
+  } else {
+    if (pixels == 16)
+      deinterleave4(load16(p), load16(p + 16), load16(p + 32), load16(p + 48), ch);
+    else
+      deinterleave4(load16(p), load16(p + 16), z, z, ch);
+  }
+  r = ch[RI];
+  g = ch[1];
+  b = ch[2 - RI];
+}
+
+// ------------------------------------------------------------------ family A
+
+struct Q15 {
+  static constexpr int shift = 15, yr = 9798, yg = 19235, yb = 3736, ybias = 16266;
+  static constexpr int cbr = -5529, cbg = -10855, cbb = 16384, cbbias = 4210688;
+  static constexpr int crr = 16384, crg = -13720, crb = -2664, crbias = 4210704;
+};
+struct Q14 {
+  static constexpr int shift = 14, yr = 4899, yg = 9617, yb = 1868, ybias = 8192;
+  static constexpr int cbr = -2764, cbg = -5428, cbb = 8192, cbbias = 2105344;
+  static constexpr int crr = 8192, crg = -6860, crb = -1332, crbias = 2105344;
+};
+
+// Four pixels of 3 bytes in the low 12 bytes of g -> 32-bit Y, Cb, Cr.
+template <class Q, bool kChroma>
+inline void a_group(__m128i g, __m128i mrg, __m128i mb, __m128i* y, __m128i* cb, __m128i* cr) {
+  const __m128i rg = _mm_shuffle_epi8(g, mrg);                                            // (R, G)
+  const __m128i b1 = _mm_or_si128(_mm_shuffle_epi8(g, mb), _mm_set1_epi32(0x10000));     // (B, 1)
+  *y = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(Q::yr, Q::yg)), _mm_madd_epi16(b1, pair(Q::yb, Q::ybias))),
+                      Q::shift);
+  if (!kChroma) return;
+  *cb = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(Q::cbr, Q::cbg)),
+                                                   _mm_madd_epi16(b1, pair(Q::cbb, 0))),
+                                     _mm_set1_epi32(Q::cbbias)),
+                       Q::shift);
+  *cr = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(Q::crr, Q::crg)),
+                                                   _mm_madd_epi16(b1, pair(Q::crb, 0))),
+                                     _mm_set1_epi32(Q::crbias)),
+                       Q::shift);
+}
+
+inline __m128i pack4x32(__m128i a, __m128i b, __m128i c, __m128i d) {
+  return _mm_packus_epi16(_mm_packs_epi32(a, b), _mm_packs_epi32(c, d));
+}
+
+template <int RI, bool kChroma>
+void a_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
+  const __m128i mrg = (RI == 0 ? kPair01 : kPair21).v();  // (R, G)
+  const __m128i mb = (RI == 0 ? kPair2 : kPair0).v();     // (B, 0)
+  int x = 0;
+  __m128i Y[4], CB[4], CR[4];
+  for (; x + 16 <= width; x += 16) {
+    const uint8_t* p = s + 3 * x;
+    const __m128i v0 = load16(p), v1 = load16(p + 16), v2 = load16(p + 32);
+    const __m128i g[4] = {v0, _mm_alignr_epi8(v1, v0, 12), _mm_alignr_epi8(v2, v1, 8), _mm_srli_si128(v2, 4)};
+    for (int k = 0; k < 4; ++k) a_group<Q15, kChroma>(g[k], mrg, mb, &Y[k], &CB[k], &CR[k]);
+    store16(y + x, pack4x32(Y[0], Y[1], Y[2], Y[3]));
+    if (kChroma) {
+      store16(cb + x, pack4x32(CB[0], CB[1], CB[2], CB[3]));
+      store16(cr + x, pack4x32(CR[0], CR[1], CR[2], CR[3]));
+    }
+  }
+  if (x + 8 <= width) {
+    const uint8_t* p = s + 3 * x;
+    const __m128i v0 = load16(p), v1 = load8(p + 16);
+    a_group<Q15, kChroma>(v0, mrg, mb, &Y[0], &CB[0], &CR[0]);
+    a_group<Q15, kChroma>(_mm_alignr_epi8(v1, v0, 12), mrg, mb, &Y[1], &CB[1], &CR[1]);
+    const __m128i z = _mm_setzero_si128();
+    store8(y + x, pack4x32(Y[0], Y[1], z, z));
+    if (kChroma) {
+      store8(cb + x, pack4x32(CB[0], CB[1], z, z));
+      store8(cr + x, pack4x32(CR[0], CR[1], z, z));
+    }
+    x += 8;
+  }
+  if (!kChroma) {
+    // Y only: Q15 for every pixel.
+    if (x + 4 <= width) {
+      const uint8_t* p = s + 3 * x;
+      a_group<Q15, false>(_mm_unpacklo_epi64(load8(p), load4(p + 8)), mrg, mb, &Y[0], nullptr, nullptr);
+      store4(y + x, pack4x32(Y[0], Y[0], Y[0], Y[0]));
+      x += 4;
+    }
+    if (x < width) {
+      if (RI == 0)
+        ref::ownpj_RGBToY_JPEG_8u_C3C1R(s + 3 * x, y + x, width - x);
+      else
+        ref::ownpj_BGRToY_JPEG_8u_C3C1R(s + 3 * x, y + x, width - x);
+    }
+    return;
+  }
+  // The 4-pixel group and single pixels are Q14.
+  if (x + 4 <= width) {
+    const uint8_t* p = s + 3 * x;
+    a_group<Q14, true>(_mm_unpacklo_epi64(load8(p), load4(p + 8)), mrg, mb, &Y[0], &CB[0], &CR[0]);
+    store4(y + x, pack4x32(Y[0], Y[0], Y[0], Y[0]));
+    store4(cb + x, pack4x32(CB[0], CB[0], CB[0], CB[0]));
+    store4(cr + x, pack4x32(CR[0], CR[0], CR[0], CR[0]));
+    x += 4;
+  }
+  // Fewer than 4 left: the scalar kernel takes them all as single pixels.
+  if (x < width) {
+    if (RI == 0)
+      ref::ownpj_RGBToYCbCr_JPEG_8u_C3P3R(s + 3 * x, y + x, cb + x, cr + x, width - x);
+    else
+      ref::ownpj_BGRToYCbCr_JPEG_8u_C3P3R(s + 3 * x, y + x, cb + x, cr + x, width - x);
+  }
+}
+
+// ------------------------------------------------------------------ Q16 luminance (families B, C, D)
+
+// Y = (19595 R + 38470 G + 7471 B + 32768) >> 16 on 8 pixels of 16-bit
+// lanes; 38470 G = 65536 G - 27066 G, the 65536 G taken from the high half
+// of the (R, G) lane; the bias comes from (B, 2) * (7471, 16384).
+inline __m128i y_q16_32(__m128i rg, __m128i b2) {
+  return _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(19595, -27066)), _mm_and_si128(rg, hi_mask())),
+                                      _mm_madd_epi16(b2, pair(7471, 16384))),
+                        16);
+}
+inline __m128i y_q16(__m128i r16, __m128i g16, __m128i b16) {
+  const __m128i two = _mm_set1_epi16(2);
+  return _mm_packs_epi32(y_q16_32(_mm_unpacklo_epi16(r16, g16), _mm_unpacklo_epi16(b16, two)),
+                         y_q16_32(_mm_unpackhi_epi16(r16, g16), _mm_unpackhi_epi16(b16, two)));
+}
+// 16 pixels of byte planes -> 16 Y bytes.
+inline __m128i y_q16_16(__m128i r, __m128i g, __m128i b) {
+  return pack_u8(y_q16(lo16(r), lo16(g), lo16(b)), y_q16(hi16(r), hi16(g), hi16(b)));
+}
+
+// Low-byte chroma of families C and D on 8 lanes of channel sums (16-bit):
+//   Cb = lo8((32768 SB - 21709 SG - 11059 SR + K) >> S)
+//   Cr = lo8((32768 SR - 27439 SG -  5329 SB + K) >> S)
+// 32768 S = (S << 16) >> 1.  Returns 8 lanes of 16 bits (0..255).
+template <int S, int K>
+inline void chroma_lo8(__m128i sr, __m128i sg, __m128i sb, __m128i* cb, __m128i* cr) {
+  const __m128i k = _mm_set1_epi32(K), m = _mm_set1_epi32(255);
+  auto cbh = [&](__m128i rg, __m128i b_hi) {
+    return _mm_and_si128(
+        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(-11059, -21709)), _mm_srli_epi32(b_hi, 1)), k), S),
+        m);
+  };
+  auto crh = [&](__m128i gb, __m128i r_hi) {
+    return _mm_and_si128(
+        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(gb, pair(-27439, -5329)), _mm_srli_epi32(r_hi, 1)), k), S),
+        m);
+  };
+  *cb = _mm_packs_epi32(cbh(_mm_unpacklo_epi16(sr, sg), shl16_lo(sb)), cbh(_mm_unpackhi_epi16(sr, sg), shl16_hi(sb)));
+  *cr = _mm_packs_epi32(crh(_mm_unpacklo_epi16(sg, sb), shl16_lo(sr)), crh(_mm_unpackhi_epi16(sg, sb), shl16_hi(sr)));
+}
+
+// ------------------------------------------------------------------ family B
+
+// 8 pixels (16-bit lanes) -> Y, Cb, Cr 16-bit lanes.
+inline void b_8(__m128i r16, __m128i g16, __m128i b16, __m128i* y16, __m128i* cb16, __m128i* cr16) {
+  *y16 = y_q16(r16, g16, b16);
+  const __m128i c257 = _mm_set1_epi16(257);  // 16384 * 257 = 4210688
+  const __m128i db = _mm_sub_epi16(b16, *y16), dr = _mm_sub_epi16(r16, *y16);
+  const __m128i wb = pair(18491, 16384), wr = pair(23373, 16384);
+  *cb16 = _mm_packs_epi32(_mm_srai_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(db, c257), wb), 15),
+                          _mm_srai_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(db, c257), wb), 15));
+  *cr16 = _mm_packs_epi32(_mm_srai_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(dr, c257), wr), 15),
+                          _mm_srai_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(dr, c257), wr), 15));
+}
+
+// ------------------------------------------------------------------ families E, E', F, G (inverse)
+
+// Family E / E' on 8 pixels: 16-bit R, G, B before the final clamp.
+template <bool kPlanarG>
+inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i* r, __m128i* g, __m128i* b) {
+  const __m128i pl = _mm_unpacklo_epi16(cb16, cr16), ph = _mm_unpackhi_epi16(cb16, cr16);  // (Cb, Cr)
+  auto term = [&](__m128i w, int32_t bias) {
+    const __m128i k = _mm_set1_epi32(bias);
+    return _mm_packs_epi32(_mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(pl, w), k), 14),
+                           _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(ph, w), k), 14));
+  };
+  *r = _mm_add_epi16(y16, term(pair(0, 22970), -2932015));
+  *b = _mm_add_epi16(y16, term(pair(29032, 0), -3708561));
+  if (kPlanarG)
+    *g = _mm_sub_epi16(y16, term(pair(5638, 11700), -2211182));
+  else
+    *g = _mm_add_epi16(y16, term(pair(-5638, -11700), 2227566));
+}
+
+// Family F on 8 pixels: 65536 Y + 91880 Cr = 65536 (Y + Cr) + 26344 Cr,
+// 65536 Y - 46801 Cr = 65536 (Y - Cr) + 18735 Cr, 65536 Y + 116128 Cb =
+// 65536 (Y + 2 Cb) - 14944 Cb.
+inline void f_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i* r, __m128i* g, __m128i* b) {
+  const __m128i pl = _mm_unpacklo_epi16(cb16, cr16), ph = _mm_unpackhi_epi16(cb16, cr16);  // (Cb, Cr)
+  auto term = [&](__m128i w, __m128i hi16, int32_t bias) {
+    const __m128i k = _mm_set1_epi32(bias);
+    return _mm_packs_epi32(
+        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(pl, w), shl16_lo(hi16)), k), 16),
+        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(ph, w), shl16_hi(hi16)), k), 16));
+  };
+  *r = term(pair(0, 26344), _mm_add_epi16(y16, cr16), -11727880);
+  *g = term(pair(-22553, 18735), _mm_sub_epi16(y16, cr16), 8910128);
+  *b = term(pair(-14944, 0), _mm_add_epi16(y16, _mm_add_epi16(cb16, cb16)), -14831618);
+}
+
+// Method G on 8 chroma pairs (16-bit lanes, unbiased) -> 8 lanes of each
+// term: cr_r_tbl = (91881 d + 32768) >> 16, cb_b_tbl = (116130 d + 32768)
+// >> 16, (cb_g_tbl + cr_g_tbl) >> 16, computed exactly.
+inline void g_terms(__m128i cb16, __m128i cr16, __m128i* tr, __m128i* tg, __m128i* tb) {
+  const __m128i off = _mm_set1_epi16(128), half = _mm_set1_epi32(32768);
+  const __m128i dcb = _mm_sub_epi16(cb16, off), dcr = _mm_sub_epi16(cr16, off);
+  const __m128i p[2] = {_mm_unpacklo_epi16(dcb, dcr), _mm_unpackhi_epi16(dcb, dcr)};  // (dCb, dCr)
+  __m128i r[2], g[2], b[2];
+  for (int h = 0; h < 2; ++h) {
+    const __m128i crhi = _mm_and_si128(p[h], hi_mask());  // 65536 dCr
+    r[h] = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(p[h], pair(0, 26345)), crhi), half), 16);
+    g[h] = _mm_srai_epi32(_mm_add_epi32(_mm_sub_epi32(_mm_madd_epi16(p[h], pair(-22554, 18734)), crhi), half), 16);
+    b[h] = _mm_srai_epi32(
+        _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(p[h], pair(-14942, 0)), _mm_slli_epi32(p[h], 17)), half), 16);
+  }
+  *tr = _mm_packs_epi32(r[0], r[1]);
+  *tg = _mm_packs_epi32(g[0], g[1]);
+  *tb = _mm_packs_epi32(b[0], b[1]);
+}
+
+// Shared driver for 3-plane -> interleaved-C3 inverse rows of 16/8/4 pixels.
+template <class Convert8>
+inline void p3_to_c3_rows(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* d, int n, int ri,
+                          Convert8 conv) {
+  int x = 0;
+  auto out = [&](uint8_t* dst, __m128i r, __m128i g, __m128i b, int px) {
+    if (ri == 0)
+      store_c3(dst, r, g, b, px);
+    else
+      store_c3(dst, b, g, r, px);
+  };
+  for (; x + 16 <= n; x += 16) {
+    const __m128i Y = load16(y + x), CB = load16(cb + x), CR = load16(cr + x);
+    __m128i r0, g0, b0, r1, g1, b1;
+    conv(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
+    conv(hi16(Y), hi16(CB), hi16(CR), &r1, &g1, &b1);
+    out(d + 3 * x, pack_u8(r0, r1), pack_u8(g0, g1), pack_u8(b0, b1), 16);
+  }
+  for (int px = 8; px >= 4; px -= 4) {
+    if (x + px > n) continue;
+    const __m128i Y = px == 8 ? load8(y + x) : load4(y + x), CB = px == 8 ? load8(cb + x) : load4(cb + x),
+                  CR = px == 8 ? load8(cr + x) : load4(cr + x);
+    __m128i r0, g0, b0;
+    conv(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
+    out(d + 3 * x, pack_u8(r0, r0), pack_u8(g0, g0), pack_u8(b0, b0), px);
+    x += px;
+  }
+}
+
+template <int RI>
+void e_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* d, int width) {
+  const int n4 = width & ~3;
+  p3_to_c3_rows(y, cb, cr, d, n4, RI, e_8<false>);
+  if (n4 < width) {
+    if (RI == 0)
+      ref::ownpj_YCbCrToRGB_JPEG_8u_P3C3R_opt(y + n4, cb + n4, cr + n4, d + 3 * n4, width - n4);
+    else
+      ref::ownpj_YCbCrToBGR_JPEG_8u_P3C3R_opt(y + n4, cb + n4, cr + n4, d + 3 * n4, width - n4);
+  }
+}
+
+// Family F rows: HSUB 1 (full-resolution chroma) or 2 (one chroma sample
+// for two pixels), CH 3 or 4 output bytes per pixel.
+template <int HSUB, int CH, int RI>
+void f_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* d, int width, uint8_t alpha) {
+  const __m128i a = _mm_set1_epi8(static_cast<char>(alpha));
+  auto chroma = [&](const uint8_t* c, int x, int px) {
+    if (HSUB == 1) return px == 16 ? load16(c + x) : load8(c + x);
+    const __m128i v = px == 16 ? load8(c + x / 2) : load4(c + x / 2);
+    return _mm_unpacklo_epi8(v, v);
+  };
+  auto out = [&](uint8_t* dst, __m128i r, __m128i g, __m128i b, int px) {
+    const __m128i c0 = RI == 0 ? r : b, c2 = RI == 0 ? b : r;
+    if (CH == 3)
+      store_c3(dst, c0, g, c2, px);
+    else
+      store_c4(dst, c0, g, c2, a, px);
+  };
+  int x = 0;
+  for (; x + 16 <= width; x += 16) {
+    const __m128i Y = load16(y + x), CB = chroma(cb, x, 16), CR = chroma(cr, x, 16);
+    __m128i r0, g0, b0, r1, g1, b1;
+    f_8(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
+    f_8(hi16(Y), hi16(CB), hi16(CR), &r1, &g1, &b1);
+    out(d + CH * x, pack_u8(r0, r1), pack_u8(g0, g1), pack_u8(b0, b1), 16);
+  }
+  if (x + 8 <= width) {
+    __m128i r0, g0, b0;
+    f_8(lo16(load8(y + x)), lo16(chroma(cb, x, 8)), lo16(chroma(cr, x, 8)), &r0, &g0, &b0);
+    out(d + CH * x, pack_u8(r0, r0), pack_u8(g0, g0), pack_u8(b0, b0), 8);
+    x += 8;
+  }
+  if (x < width)
+    ref::ycbcr_to_rgb_q16_row(y + x, cb + x / HSUB, cr + x / HSUB, d + CH * x, width - x, HSUB, CH, RI != 0, alpha);
+}
+
+// ------------------------------------------------------------------ families C and D (forward, Q16)
+
+template <int CH, int RI>
+void c_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
+  int x = 0;
+  for (int px = 16; px >= 8; px -= 8)
+    for (; x + px <= width; x += px) {
+      __m128i r, g, b, cb0, cr0, cb1, cr1;
+      load_planes<CH, RI>(s + CH * x, px, r, g, b);
+      const __m128i Y = y_q16_16(r, g, b);
+      chroma_lo8<16, -8372224>(lo16(r), lo16(g), lo16(b), &cb0, &cr0);
+      if (px == 16) {
+        chroma_lo8<16, -8372224>(hi16(r), hi16(g), hi16(b), &cb1, &cr1);
+        store16(y + x, Y);
+        store16(cb + x, pack_u8(cb0, cb1));
+        store16(cr + x, pack_u8(cr0, cr1));
+      } else {
+        store8(y + x, Y);
+        store8(cb + x, pack_u8(cb0, cb0));
+        store8(cr + x, pack_u8(cr0, cr0));
+      }
+    }
+  if (x < width) {
+    if (RI == 0)
+      ref::rgb_to_ycbcr_c4_q16_row(s + CH * x, y + x, cb + x, cr + x, width - x);
+    else
+      ref::bgr_to_ycbcr_c4_q16_row(s + CH * x, y + x, cb + x, cr + x, width - x);
+  }
+}
+
+// Pair sums of 16 bytes -> 8 lanes of 16 bits.
+inline __m128i pair_sums(__m128i v) { return _mm_maddubs_epi16(v, _mm_set1_epi8(1)); }
+
+template <int CH, int RI>
+void d422_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
+  int x = 0;
+  for (int px = 16; px >= 8; px -= 8)
+    for (; x + px <= width; x += px) {
+      __m128i r, g, b, c0, c1;
+      load_planes<CH, RI>(s + CH * x, px, r, g, b);
+      const __m128i Y = y_q16_16(r, g, b);
+      chroma_lo8<17, -16760832>(pair_sums(r), pair_sums(g), pair_sums(b), &c0, &c1);
+      if (px == 16) {
+        store16(y + x, Y);
+        store8(cb + x / 2, pack_u8(c0, c0));
+        store8(cr + x / 2, pack_u8(c1, c1));
+      } else {
+        store8(y + x, Y);
+        store4(cb + x / 2, pack_u8(c0, c0));
+        store4(cr + x / 2, pack_u8(c1, c1));
+      }
+    }
+  if (x < width) ref::rgb_to_ycbcr422_q16_row(s + CH * x, y + x, cb + x / 2, cr + x / 2, width - x, CH, RI != 0);
+}
+
+template <int CH, int RI>
+void d411_rows(const uint8_t* s0, const uint8_t* s1, uint8_t* y0, uint8_t* y1, uint8_t* cb, uint8_t* cr, int width) {
+  int x = 0;
+  for (int px = 16; px >= 8; px -= 8)
+    for (; x + px <= width; x += px) {
+      __m128i r0, g0, b0, r1, g1, b1, c0, c1;
+      load_planes<CH, RI>(s0 + CH * x, px, r0, g0, b0);
+      load_planes<CH, RI>(s1 + CH * x, px, r1, g1, b1);
+      const __m128i Y0 = y_q16_16(r0, g0, b0), Y1 = y_q16_16(r1, g1, b1);
+      chroma_lo8<18, -33521664>(_mm_add_epi16(pair_sums(r0), pair_sums(r1)),
+                                _mm_add_epi16(pair_sums(g0), pair_sums(g1)),
+                                _mm_add_epi16(pair_sums(b0), pair_sums(b1)), &c0, &c1);
+      if (px == 16) {
+        store16(y0 + x, Y0);
+        store16(y1 + x, Y1);
+        store8(cb + x / 2, pack_u8(c0, c0));
+        store8(cr + x / 2, pack_u8(c1, c1));
+      } else {
+        store8(y0 + x, Y0);
+        store8(y1 + x, Y1);
+        store4(cb + x / 2, pack_u8(c0, c0));
+        store4(cr + x / 2, pack_u8(c1, c1));
+      }
+    }
+  if (x < width)
+    ref::rgb_to_ycbcr411_q16_rows(s0 + CH * x, s1 + CH * x, y0 + x, y1 + x, cb + x / 2, cr + x / 2, width - x, CH,
+                                  RI != 0);
+}
+
+}  // namespace
+
+// ------------------------------------------------------------------ kernels
 
 void ownpj_RGBToYCbCr_JPEG_8u_C3P3R(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
-  ref::ownpj_RGBToYCbCr_JPEG_8u_C3P3R(src, y, cb, cr, width);
+  a_row<0, true>(src, y, cb, cr, width);
 }
 void ownpj_BGRToYCbCr_JPEG_8u_C3P3R(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
-  ref::ownpj_BGRToYCbCr_JPEG_8u_C3P3R(src, y, cb, cr, width);
+  a_row<2, true>(src, y, cb, cr, width);
 }
-void ownpj_RGBToY_JPEG_8u_C3C1R(const uint8_t* src, uint8_t* y, int width) { ref::ownpj_RGBToY_JPEG_8u_C3C1R(src, y, width); }
-void ownpj_BGRToY_JPEG_8u_C3C1R(const uint8_t* src, uint8_t* y, int width) { ref::ownpj_BGRToY_JPEG_8u_C3C1R(src, y, width); }
+void ownpj_RGBToY_JPEG_8u_C3C1R(const uint8_t* src, uint8_t* y, int width) {
+  a_row<0, false>(src, y, nullptr, nullptr, width);
+}
+void ownpj_BGRToY_JPEG_8u_C3C1R(const uint8_t* src, uint8_t* y, int width) {
+  a_row<2, false>(src, y, nullptr, nullptr, width);
+}
+
 void ownpj_RGBToYCbCr_JPEG_8u_P3R_opt(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* y,
                                       uint8_t* cb, uint8_t* cr, int width) {
-  ref::ownpj_RGBToYCbCr_JPEG_8u_P3R_opt(r, g, b, y, cb, cr, width);
+  const int n4 = width & ~3;
+  int x = 0;
+  for (; x + 16 <= n4; x += 16) {
+    const __m128i R = load16(r + x), G = load16(g + x), B = load16(b + x);
+    __m128i y0, cb0, cr0, y1, cb1, cr1;
+    b_8(lo16(R), lo16(G), lo16(B), &y0, &cb0, &cr0);
+    b_8(hi16(R), hi16(G), hi16(B), &y1, &cb1, &cr1);
+    store16(y + x, pack_u8(y0, y1));
+    store16(cb + x, pack_u8(cb0, cb1));
+    store16(cr + x, pack_u8(cr0, cr1));
+  }
+  for (int px = 8; px >= 4; px -= 4) {
+    if (x + px > n4) continue;
+    __m128i y0, cb0, cr0;
+    if (px == 8)
+      b_8(lo16(load8(r + x)), lo16(load8(g + x)), lo16(load8(b + x)), &y0, &cb0, &cr0);
+    else
+      b_8(lo16(load4(r + x)), lo16(load4(g + x)), lo16(load4(b + x)), &y0, &cb0, &cr0);
+    const __m128i Y = pack_u8(y0, y0), CB = pack_u8(cb0, cb0), CR = pack_u8(cr0, cr0);
+    if (px == 8) {
+      store8(y + x, Y);
+      store8(cb + x, CB);
+      store8(cr + x, CR);
+    } else {
+      store4(y + x, Y);
+      store4(cb + x, CB);
+      store4(cr + x, CR);
+    }
+    x += px;
+  }
+  if (n4 < width) ref::ownpj_RGBToYCbCr_JPEG_8u_P3R_opt(r + n4, g + n4, b + n4, y + n4, cb + n4, cr + n4, width - n4);
 }
+
 void ownpj_RGBToY_JPEG_8u_P3C1R_opt(const uint8_t* r, const uint8_t* g, const uint8_t* b, uint8_t* y, int width) {
-  ref::ownpj_RGBToY_JPEG_8u_P3C1R_opt(r, g, b, y, width);
+  const __m128 wr = _mm_set1_ps(0.299f), wg = _mm_set1_ps(0.587f), wb = _mm_set1_ps(0.114f);
+  auto y4 = [&](__m128i R, __m128i G, __m128i B) {  // low 4 bytes of each -> 4 x int32
+    const __m128 v = _mm_add_ps(_mm_add_ps(_mm_mul_ps(wr, _mm_cvtepi32_ps(_mm_cvtepu8_epi32(R))),
+                                           _mm_mul_ps(wg, _mm_cvtepi32_ps(_mm_cvtepu8_epi32(G)))),
+                                _mm_mul_ps(wb, _mm_cvtepi32_ps(_mm_cvtepu8_epi32(B))));
+    return _mm_cvtps_epi32(v);  // current rounding mode: nearest, ties to even
+  };
+  int x = 0;
+  for (; x + 16 <= width; x += 16) {
+    const __m128i R = load16(r + x), G = load16(g + x), B = load16(b + x);
+    const __m128i q[4] = {y4(R, G, B), y4(_mm_srli_si128(R, 4), _mm_srli_si128(G, 4), _mm_srli_si128(B, 4)),
+                          y4(_mm_srli_si128(R, 8), _mm_srli_si128(G, 8), _mm_srli_si128(B, 8)),
+                          y4(_mm_srli_si128(R, 12), _mm_srli_si128(G, 12), _mm_srli_si128(B, 12))};
+    store16(y + x, pack4x32(q[0], q[1], q[2], q[3]));
+  }
+  for (; x + 4 <= width; x += 4) {
+    const __m128i q = y4(load4(r + x), load4(g + x), load4(b + x));
+    store4(y + x, pack4x32(q, q, q, q));
+  }
+  if (x < width) ref::ownpj_RGBToY_JPEG_8u_P3C1R_opt(r + x, g + x, b + x, y + x, width - x);
 }
-void ownpj_YCbCrToRGB_JPEG_8u_P3C3R_opt(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, int width) {
-  ref::ownpj_YCbCrToRGB_JPEG_8u_P3C3R_opt(y, cb, cr, dst, width);
+
+void ownpj_YCbCrToRGB_JPEG_8u_P3C3R_opt(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst,
+                                        int width) {
+  e_row<0>(y, cb, cr, dst, width);
 }
-void ownpj_YCbCrToBGR_JPEG_8u_P3C3R_opt(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, int width) {
-  ref::ownpj_YCbCrToBGR_JPEG_8u_P3C3R_opt(y, cb, cr, dst, width);
+void ownpj_YCbCrToBGR_JPEG_8u_P3C3R_opt(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst,
+                                        int width) {
+  e_row<2>(y, cb, cr, dst, width);
 }
+
 void ownpj_YCbCrToRGB_JPEG_8u_P3R_opt(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* r,
                                       uint8_t* g, uint8_t* b, int width) {
-  ref::ownpj_YCbCrToRGB_JPEG_8u_P3R_opt(y, cb, cr, r, g, b, width);
+  const int n4 = width & ~3;
+  int x = 0;
+  for (; x + 16 <= n4; x += 16) {
+    const __m128i Y = load16(y + x), CB = load16(cb + x), CR = load16(cr + x);
+    __m128i r0, g0, b0, r1, g1, b1;
+    e_8<true>(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
+    e_8<true>(hi16(Y), hi16(CB), hi16(CR), &r1, &g1, &b1);
+    store16(r + x, pack_u8(r0, r1));
+    store16(g + x, pack_u8(g0, g1));
+    store16(b + x, pack_u8(b0, b1));
+  }
+  for (int px = 8; px >= 4; px -= 4) {
+    if (x + px > n4) continue;
+    __m128i r0, g0, b0;
+    if (px == 8)
+      e_8<true>(lo16(load8(y + x)), lo16(load8(cb + x)), lo16(load8(cr + x)), &r0, &g0, &b0);
+    else
+      e_8<true>(lo16(load4(y + x)), lo16(load4(cb + x)), lo16(load4(cr + x)), &r0, &g0, &b0);
+    const __m128i R = pack_u8(r0, r0), G = pack_u8(g0, g0), B = pack_u8(b0, b0);
+    if (px == 8) {
+      store8(r + x, R);
+      store8(g + x, G);
+      store8(b + x, B);
+    } else {
+      store4(r + x, R);
+      store4(g + x, G);
+      store4(b + x, B);
+    }
+    x += px;
+  }
+  if (n4 < width) ref::ownpj_YCbCrToRGB_JPEG_8u_P3R_opt(y + n4, cb + n4, cr + n4, r + n4, g + n4, b + n4, width - n4);
 }
+
 void rgb_to_ycbcr_c4_q16_row(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
-  ref::rgb_to_ycbcr_c4_q16_row(src, y, cb, cr, width);
+  c_row<4, 0>(src, y, cb, cr, width);
 }
 void bgr_to_ycbcr_c4_q16_row(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
-  ref::bgr_to_ycbcr_c4_q16_row(src, y, cb, cr, width);
+  c_row<4, 2>(src, y, cb, cr, width);
 }
-void rgb_to_ycbcr422_q16_row(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, int width, int channels, bool bgr) {
-  ref::rgb_to_ycbcr422_q16_row(src, y, cb, cr, width, channels, bgr);
+
+void rgb_to_ycbcr422_q16_row(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, int width, int channels,
+                             bool bgr) {
+  if (channels == 3)
+    bgr ? d422_row<3, 2>(src, y, cb, cr, width) : d422_row<3, 0>(src, y, cb, cr, width);
+  else
+    bgr ? d422_row<4, 2>(src, y, cb, cr, width) : d422_row<4, 0>(src, y, cb, cr, width);
 }
+
 void rgb_to_ycbcr411_q16_rows(const uint8_t* s0, const uint8_t* s1, uint8_t* y0, uint8_t* y1, uint8_t* cb,
                               uint8_t* cr, int width, int channels, bool bgr) {
-  ref::rgb_to_ycbcr411_q16_rows(s0, s1, y0, y1, cb, cr, width, channels, bgr);
+  if (channels == 3)
+    bgr ? d411_rows<3, 2>(s0, s1, y0, y1, cb, cr, width) : d411_rows<3, 0>(s0, s1, y0, y1, cb, cr, width);
+  else
+    bgr ? d411_rows<4, 2>(s0, s1, y0, y1, cb, cr, width) : d411_rows<4, 0>(s0, s1, y0, y1, cb, cr, width);
 }
+
 void ycbcr_to_rgb_q16_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, int width, int hsub,
                           int channels, bool bgr, uint8_t alpha) {
-  ref::ycbcr_to_rgb_q16_row(y, cb, cr, dst, width, hsub, channels, bgr, alpha);
+  const int sel = (hsub == 2 ? 4 : 0) + (channels == 4 ? 2 : 0) + (bgr ? 1 : 0);
+  switch (sel) {
+    case 0: f_row<1, 3, 0>(y, cb, cr, dst, width, alpha); break;
+    case 1: f_row<1, 3, 2>(y, cb, cr, dst, width, alpha); break;
+    case 2: f_row<1, 4, 0>(y, cb, cr, dst, width, alpha); break;
+    case 3: f_row<1, 4, 2>(y, cb, cr, dst, width, alpha); break;
+    case 4: f_row<2, 3, 0>(y, cb, cr, dst, width, alpha); break;
+    case 5: f_row<2, 3, 2>(y, cb, cr, dst, width, alpha); break;
+    case 6: f_row<2, 4, 0>(y, cb, cr, dst, width, alpha); break;
+    default: f_row<2, 4, 2>(y, cb, cr, dst, width, alpha); break;
+  }
 }
+
 void ycbcr422_c2_to_rgb_tbl_row(const uint8_t* src, uint8_t* dst, int width) {
-  ref::ycbcr422_c2_to_rgb_tbl_row(src, dst, width);
+  int x = 0;
+  for (int px = 16; px >= 8; px -= 8)
+    for (; x + px <= width; x += px) {
+      const uint8_t* s = src + 2 * x;
+      const __m128i v0 = load16(s), v1 = px == 16 ? load16(s + 16) : _mm_setzero_si128();
+      const __m128i Y = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Y.v()), _mm_shuffle_epi8(v1, kC2YHi.v()));
+      const __m128i CB = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Cb.v()), _mm_shuffle_epi8(v1, kC2CbHi.v()));
+      const __m128i CR = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Cr.v()), _mm_shuffle_epi8(v1, kC2CrHi.v()));
+      __m128i tr, tg, tb;
+      g_terms(lo16(CB), lo16(CR), &tr, &tg, &tb);  // one term per pixel pair
+      const __m128i y0 = lo16(Y), y1 = hi16(Y);
+      auto chan = [&](__m128i t) {
+        return pack_u8(_mm_add_epi16(y0, _mm_unpacklo_epi16(t, t)), _mm_add_epi16(y1, _mm_unpackhi_epi16(t, t)));
+      };
+      store_c3(dst + 3 * x, chan(tr), chan(tg), chan(tb), px);
+    }
+  if (x < width) ref::ycbcr422_c2_to_rgb_tbl_row(src + 2 * x, dst + 3 * x, width - x);
 }
 
 }  // namespace vpr::jpeg::sse

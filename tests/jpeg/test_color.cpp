@@ -373,6 +373,47 @@ TEST(ColorInverse, InterleavedC2UsesTablesPerPair) {
   }
 }
 
+// Every (Cb, Cr) pair, one 65536-pixel row, through each inverse family.
+TEST(ColorInverse, EveryChromaPair) {
+  const int n = 65536;
+  Rng rng(9);
+  std::vector<uint8_t> Y(n), Cb(n), Cr(n), c2(2 * n), rgb(3 * n), rgba(4 * n), pr(n), pg(n), pb(n);
+  for (int i = 0; i < n; ++i) {
+    Y[i] = static_cast<uint8_t>(rng.uniform(0, 255));
+    Cb[i] = static_cast<uint8_t>(i >> 8);
+    Cr[i] = static_cast<uint8_t>(i & 255);
+  }
+  for (int j = 0; j < n / 2; ++j) {
+    c2[4 * j] = Y[2 * j];
+    c2[4 * j + 1] = Cb[2 * j];
+    c2[4 * j + 2] = Y[2 * j + 1];
+    c2[4 * j + 3] = Cr[2 * j];
+  }
+  const Vpr8u* s[3] = {Y.data(), Cb.data(), Cr.data()};
+  Vpr8u* p[3] = {pr.data(), pg.data(), pb.data()};
+  const VprRoiSize roi{n, 1};
+  ASSERT_EQ(vpriYCbCrToRGB_JPEG_8u_P3C3R(s, n, rgb.data(), 3 * n, roi), vprStatusOk);
+  ASSERT_EQ(vpriYCbCrToRGB_JPEG_8u_P3C4R(s, n, rgba.data(), 4 * n, roi, 1), vprStatusOk);
+  ASSERT_EQ(vpriYCbCrToRGB_JPEG_8u_P3R(s, n, p, n, roi), vprStatusOk);
+  for (int x = 0; x < n; ++x) {
+    const Px e = inv_e(x, n, Y[x], Cb[x], Cr[x]), e2 = inv_e2(x, n, Y[x], Cb[x], Cr[x]), f = inv_f(Y[x], Cb[x], Cr[x]);
+    for (int k = 0; k < 3; ++k) {
+      ASSERT_EQ(rgb[3 * x + k], e[k]) << x;
+      ASSERT_EQ(rgba[4 * x + k], f[k]) << x;
+    }
+    ASSERT_TRUE(pr[x] == e2[0] && pg[x] == e2[1] && pb[x] == e2[2]) << x;
+  }
+  // C2: pair j carries Cb = Cb[2j], Cr = Cr[2j]; two runs cover odd Cr too.
+  for (int shift = 0; shift < 2; ++shift) {
+    for (int j = 0; j < n / 2; ++j) c2[4 * j + 3] = Cr[2 * j + shift];
+    ASSERT_EQ(vpriYCbCr422ToRGB_JPEG_8u_C2C3R(c2.data(), 2 * n, rgb.data(), 3 * n, roi), vprStatusOk);
+    for (int x = 0; x < n; ++x) {
+      const Px e = inv_tbl(Y[x], Cb[x & ~1], Cr[(x & ~1) + shift]);
+      for (int k = 0; k < 3; ++k) ASSERT_EQ(rgb[3 * x + k], e[k]) << x;
+    }
+  }
+}
+
 TEST(ColorTables, ExactValues) {
   EXPECT_EQ(vj::cr_r_tbl[0], -179);
   EXPECT_EQ(vj::cr_r_tbl[255], 178);
