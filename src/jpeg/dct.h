@@ -47,6 +47,8 @@ extern const int32_t round_i[8];
 extern const float dct_cos_8[8][8];
 extern const float dct_norm_8[8][8];
 extern const float dct_cos_4[4][4];
+extern const float dct_cos_8t[8][8];  // transposed copies
+extern const float dct_cos_4t[4][4];
 
 #define VPR_DCT_KERNELS                                                                                   \
   void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst);                                                 \

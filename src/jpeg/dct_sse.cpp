@@ -1,43 +1,353 @@
-// SSE kernels of the fused 8x8 DCT.
+// SSE kernels of the fused 8x8 DCT.  The block lives in eight registers, one
+// row each: row passes work inside a register (pair sums with pmaddwd), column
+// passes across the eight registers (high-half products with pmulhw), so no
+// transposes are needed.  Every kernel gives the bits of its twin in dct.cpp.
 #include "core/simd.h"
 #include "jpeg/dct.h"
+#include "jpeg/levelshift_quant.h"
 
 namespace vpr::jpeg::sse {
 
-void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst) { ref::dct_8x8_fwd_16s(src, dst); }
-void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) { ref::dct_8x8_inv_16s(src, dst); }
+using namespace vpr::simd;
+
+namespace {
+
+inline __m128i adds(__m128i a, __m128i b) { return _mm_adds_epi16(a, b); }
+inline __m128i subs(__m128i a, __m128i b) { return _mm_subs_epi16(a, b); }
+inline __m128i mulhi(__m128i a, __m128i c) { return _mm_mulhi_epi16(a, c); }
+inline __m128i load_tab(const int16_t* t) { return _mm_load_si128(reinterpret_cast<const __m128i*>(t)); }
+
+// ------------------------------------------------------------ inverse
+
+// Row pass of one row: (x0..x7) -> 8 values, 16-bit saturated.
+inline __m128i idct_row(__m128i x, const int16_t* t, int32_t rnd) {
+  const __m128i xe = _mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0x88), 0x88);  // x0 x2 x0 x2 x4 x6 x4 x6
+  const __m128i xo = _mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0xDD), 0xDD);  // x1 x3 x1 x3 x5 x7 x5 x7
+  __m128i e = _mm_add_epi32(_mm_madd_epi16(xe, load_tab(t)),
+                            _mm_shuffle_epi32(_mm_madd_epi16(xe, load_tab(t + 8)), 0x4E));
+  const __m128i o = _mm_add_epi32(_mm_madd_epi16(xo, load_tab(t + 16)),
+                                  _mm_shuffle_epi32(_mm_madd_epi16(xo, load_tab(t + 24)), 0x4E));
+  e = _mm_add_epi32(e, _mm_set1_epi32(rnd));
+  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(e, o), 11);                           // y0 y1 y2 y3
+  const __m128i hi = _mm_shuffle_epi32(_mm_srai_epi32(_mm_sub_epi32(e, o), 11), 0x1B);  // y4 y5 y6 y7
+  return _mm_packs_epi32(lo, hi);
+}
+
+// Row pass of a row whose coefficients 4..7 are zero: the pair sums of
+// (x0,x2) and (x1,x3) alone, against the matching halves of the table.
+inline __m128i idct_row_half(__m128i x, const int16_t* t, int32_t rnd) {
+  const __m128i xe = _mm_shuffle_epi32(_mm_shufflelo_epi16(x, 0x88), 0x00);  // (x0 x2) x4
+  const __m128i xo = _mm_shuffle_epi32(_mm_shufflelo_epi16(x, 0xDD), 0x00);  // (x1 x3) x4
+  const __m128i te = _mm_unpacklo_epi64(load8(t), load8(t + 8));
+  const __m128i to = _mm_unpacklo_epi64(load8(t + 16), load8(t + 24));
+  const __m128i e = _mm_add_epi32(_mm_madd_epi16(xe, te), _mm_set1_epi32(rnd));
+  const __m128i o = _mm_madd_epi16(xo, to);
+  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(e, o), 11);
+  const __m128i hi = _mm_shuffle_epi32(_mm_srai_epi32(_mm_sub_epi32(e, o), 11), 0x1B);
+  return _mm_packs_epi32(lo, hi);
+}
+
+// Column pass over the eight row registers, in place, >> 6 included.
+// kUpperZero: rows 4..7 are known to be zero (their terms vanish exactly).
+template <bool kUpperZero>
+inline void idct_cols(__m128i* x) {
+  const __m128i tg1 = _mm_set1_epi16(tg_1_16), tg2 = _mm_set1_epi16(tg_2_16);
+  const __m128i tg3 = _mm_set1_epi16(tg_3_16), c4 = _mm_set1_epi16(cos_4_16);
+  __m128i u17, v17, u35, v35, u26, v26, u04, v04;
+  if constexpr (kUpperZero) {
+    u17 = x[1];
+    v17 = mulhi(x[1], tg1);
+    u35 = x[3];
+    v35 = adds(mulhi(x[3], tg3), x[3]);
+    u26 = x[2];
+    v26 = mulhi(x[2], tg2);
+    u04 = x[0];
+    v04 = x[0];
+  } else {
+    u17 = adds(x[1], mulhi(x[7], tg1));
+    v17 = subs(mulhi(x[1], tg1), x[7]);
+    u35 = adds(x[3], adds(mulhi(x[5], tg3), x[5]));
+    v35 = subs(adds(mulhi(x[3], tg3), x[3]), x[5]);
+    u26 = adds(x[2], mulhi(x[6], tg2));
+    v26 = subs(mulhi(x[2], tg2), x[6]);
+    u04 = adds(x[0], x[4]);
+    v04 = subs(x[0], x[4]);
+  }
+  const __m128i b0 = adds(u17, u35), b3 = subs(v17, v35);
+  const __m128i u12 = subs(u17, u35), v12 = adds(v17, v35);
+  const __m128i sp = adds(u12, v12), sm = subs(u12, v12);
+  const __m128i b1 = adds(mulhi(sp, c4), sp);
+  const __m128i b2 = adds(mulhi(sm, c4), sm);
+  const __m128i a0 = adds(u04, u26), a3 = subs(u04, u26);
+  const __m128i a1 = adds(v04, v26), a2 = subs(v04, v26);
+  x[0] = _mm_srai_epi16(adds(a0, b0), 6);
+  x[7] = _mm_srai_epi16(subs(a0, b0), 6);
+  x[1] = _mm_srai_epi16(adds(a1, b1), 6);
+  x[6] = _mm_srai_epi16(subs(a1, b1), 6);
+  x[2] = _mm_srai_epi16(adds(a2, b2), 6);
+  x[5] = _mm_srai_epi16(subs(a2, b2), 6);
+  x[3] = _mm_srai_epi16(adds(a3, b3), 6);
+  x[4] = _mm_srai_epi16(subs(a3, b3), 6);
+}
+
+// Dequantise (16-bit products) and run the full inverse into x[0..7].
+inline void dequant_idct(const int16_t* src, const uint16_t* inv, __m128i* x) {
+  for (int r = 0; r < 8; ++r)
+    x[r] = idct_row(_mm_mullo_epi16(load16(src + 8 * r), load16(inv + 8 * r)), tab_i_row[r], round_i[r]);
+  idct_cols<false>(x);
+}
+
+inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
+  const __m128i k128 = _mm_set1_epi16(128);
+  for (int r = 0; r < 8; r += 2) {
+    const __m128i p = _mm_packus_epi16(adds(x[r], k128), adds(x[r + 1], k128));
+    store8(dst + r * dst_step, p);
+    store8(dst + (r + 1) * dst_step, _mm_unpackhi_epi64(p, p));
+  }
+}
+
+// Output of an all-zero row of the row pass: its rounder >> 11.
+inline __m128i zero_row(int r) { return _mm_set1_epi16(static_cast<int16_t>(round_i[r] >> 11)); }
+
+// ------------------------------------------------------------ forward
+
+// Column pass over the eight row registers (inputs not yet shifted).
+inline void fdct_cols(__m128i* x) {
+  const __m128i tg1 = _mm_set1_epi16(tg_1_16), tg2 = _mm_set1_epi16(tg_2_16);
+  const __m128i tg3 = _mm_set1_epi16(tg_3_16), oc4 = _mm_set1_epi16(ocos_4_16);
+  const __m128i corr = _mm_set1_epi16(one_corr);
+  __m128i s[8];
+  for (int i = 0; i < 8; ++i) s[i] = _mm_slli_epi16(x[i], 3);
+  const __m128i t0 = adds(s[0], s[7]), t7 = subs(s[0], s[7]);
+  const __m128i t1 = adds(s[1], s[6]), t6 = subs(s[1], s[6]);
+  const __m128i t2 = adds(s[2], s[5]), t5 = subs(s[2], s[5]);
+  const __m128i t3 = adds(s[3], s[4]), t4 = subs(s[3], s[4]);
+  const __m128i tp03 = adds(t0, t3), tm03 = subs(t0, t3);
+  const __m128i tp12 = adds(t1, t2), tm12 = subs(t1, t2);
+  x[0] = adds(tp03, tp12);
+  x[4] = subs(tp03, tp12);
+  x[2] = _mm_or_si128(adds(tm03, mulhi(tm12, tg2)), corr);
+  x[6] = _mm_or_si128(subs(mulhi(tm03, tg2), tm12), corr);
+  const __m128i tp65 = _mm_or_si128(mulhi(_mm_slli_epi16(adds(t6, t5), 1), oc4), corr);
+  const __m128i tm65 = _mm_or_si128(mulhi(_mm_slli_epi16(subs(t6, t5), 1), oc4), corr);
+  const __m128i tp765 = adds(t7, tp65), tm765 = subs(t7, tp65);
+  const __m128i tp465 = adds(t4, tm65), tm465 = subs(t4, tm65);
+  x[1] = _mm_or_si128(adds(tp765, mulhi(tp465, tg1)), corr);
+  x[7] = _mm_or_si128(subs(mulhi(tp765, tg1), tp465), corr);
+  x[3] = subs(tm765, adds(mulhi(tm465, tg3), tm465));
+  x[5] = _mm_or_si128(adds(adds(mulhi(tm765, tg3), tm765), tm465), corr);
+}
+
+// Row pass of one row with table t.
+inline __m128i fdct_row(__m128i x, const int16_t* t) {
+  const __m128i rev = _mm_shuffle_epi32(_mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0x1B), 0x1B), 0x4E);
+  const __m128i s = adds(x, rev), d = subs(x, rev);
+  const __m128i p = _mm_unpacklo_epi32(s, d);  // s0 s1 d0 d1 s2 s3 d2 d3
+  const __m128i q = _mm_shuffle_epi32(p, 0x4E);  // s2 s3 d2 d3 s0 s1 d0 d1
+  const __m128i rnd = _mm_set1_epi32(round_frw_row);
+  const __m128i a = _mm_add_epi32(_mm_madd_epi16(p, load_tab(t)), _mm_madd_epi16(q, load_tab(t + 8)));
+  const __m128i b = _mm_add_epi32(_mm_madd_epi16(p, load_tab(t + 16)), _mm_madd_epi16(q, load_tab(t + 24)));
+  return _mm_packs_epi32(_mm_srai_epi32(_mm_add_epi32(a, rnd), 20), _mm_srai_epi32(_mm_add_epi32(b, rnd), 20));
+}
+
+// sign(c) * min((|c| * r + 16384) >> 15, 32767)
+inline __m128i quant_round(__m128i c, __m128i r) {
+  const __m128i a = _mm_abs_epi16(c);
+  const __m128i lo = _mm_mullo_epi16(a, r), hi = _mm_mulhi_epu16(a, r);
+  const __m128i half = _mm_set1_epi32(16384);
+  const __m128i p0 = _mm_srli_epi32(_mm_add_epi32(_mm_unpacklo_epi16(lo, hi), half), 15);
+  const __m128i p1 = _mm_srli_epi32(_mm_add_epi32(_mm_unpackhi_epi16(lo, hi), half), 15);
+  return _mm_sign_epi16(_mm_packs_epi32(p0, p1), c);
+}
+
+inline void fdct_rows_quant_store(__m128i* x, int16_t* dst, const uint16_t* fwd) {
+  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, quant_round(fdct_row(x[r], tab_f_row[r]), load16(fwd + 8 * r)));
+}
+
+// ------------------------------------------------------------ float helpers
+
+inline __m128 splat(__m128 v, int i) {
+  switch (i) {
+    case 0: return _mm_shuffle_ps(v, v, 0x00);
+    case 1: return _mm_shuffle_ps(v, v, 0x55);
+    case 2: return _mm_shuffle_ps(v, v, 0xAA);
+    default: return _mm_shuffle_ps(v, v, 0xFF);
+  }
+}
+inline __m128 loadf(const float* p) { return _mm_loadu_ps(p); }
+inline __m128i clamp_round(__m128 v, float lo, float hi) {
+  return _mm_cvtps_epi32(_mm_min_ps(_mm_max_ps(v, _mm_set1_ps(lo)), _mm_set1_ps(hi)));
+}
+
+}  // namespace
+
+// ------------------------------------------------------------ kernels
+
+void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst) {
+  __m128i x[8];
+  for (int r = 0; r < 8; ++r) x[r] = load16(src + 8 * r);
+  fdct_cols(x);
+  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, fdct_row(x[r], tab_f_row[r]));
+}
+
+void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) {
+  __m128i x[8];
+  for (int r = 0; r < 8; ++r) x[r] = idct_row(load16(src + 8 * r), tab_i_row[r], round_i[r]);
+  idct_cols<false>(x);
+  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, x[r]);
+}
+
 void dct_quant_fwd_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* fwd) {
-  ref::dct_quant_fwd_8x8_16s(src, dst, fwd);
+  __m128i x[8];
+  for (int r = 0; r < 8; ++r) x[r] = load16(src + 8 * r);
+  fdct_cols(x);
+  fdct_rows_quant_store(x, dst, fwd);
 }
+
 void dct_quant_fwd_8x8_ls_8u16s(const uint8_t* src, int src_step, int16_t* dst, const uint16_t* fwd) {
-  ref::dct_quant_fwd_8x8_ls_8u16s(src, src_step, dst, fwd);
+  const __m128i zero = _mm_setzero_si128(), k128 = _mm_set1_epi16(128);
+  __m128i x[8];
+  for (int r = 0; r < 8; ++r) x[r] = _mm_sub_epi16(_mm_unpacklo_epi8(load8(src + r * src_step), zero), k128);
+  fdct_cols(x);
+  fdct_rows_quant_store(x, dst, fwd);
 }
+
 void dct_quant_fwd_8x8_ls_16u16s(const uint16_t* src, int src_step, int16_t* dst, const float* fwd) {
-  ref::dct_quant_fwd_8x8_ls_16u16s(src, src_step, dst, fwd);
+  const __m128i k2048 = _mm_set1_epi32(2048);
+  __m128 f[8][2], tmp[8][2];
+  for (int y = 0; y < 8; ++y) {
+    const __m128i v = load16(row_ptr(src, src_step, y));
+    f[y][0] = _mm_cvtepi32_ps(_mm_sub_epi32(_mm_cvtepu16_epi32(v), k2048));
+    f[y][1] = _mm_cvtepi32_ps(_mm_sub_epi32(_mm_cvtepu16_epi32(_mm_srli_si128(v, 8)), k2048));
+  }
+  // columns: tmp[v] = sum_y cos[v][y] * f[y]
+  for (int v = 0; v < 8; ++v)
+    for (int h = 0; h < 2; ++h) {
+      __m128 acc = _mm_mul_ps(_mm_set1_ps(dct_cos_8[v][0]), f[0][h]);
+      for (int y = 1; y < 8; ++y) acc = _mm_add_ps(acc, _mm_mul_ps(_mm_set1_ps(dct_cos_8[v][y]), f[y][h]));
+      tmp[v][h] = acc;
+    }
+  // rows: S[v][u] = sum_x tmp[v][x] * cos[u][x], vectorised over u
+  for (int v = 0; v < 8; ++v) {
+    __m128 lo = _mm_mul_ps(splat(tmp[v][0], 0), loadf(dct_cos_8t[0]));
+    __m128 hi = _mm_mul_ps(splat(tmp[v][0], 0), loadf(dct_cos_8t[0] + 4));
+    for (int x = 1; x < 8; ++x) {
+      const __m128 s = splat(tmp[v][x >> 2], x & 3);
+      lo = _mm_add_ps(lo, _mm_mul_ps(s, loadf(dct_cos_8t[x])));
+      hi = _mm_add_ps(hi, _mm_mul_ps(s, loadf(dct_cos_8t[x] + 4)));
+    }
+    lo = _mm_mul_ps(_mm_mul_ps(lo, loadf(dct_norm_8[v])), loadf(fwd + 8 * v));
+    hi = _mm_mul_ps(_mm_mul_ps(hi, loadf(dct_norm_8[v] + 4)), loadf(fwd + 8 * v + 4));
+    store16(dst + 8 * v,
+            _mm_packs_epi32(clamp_round(lo, -32768.0f, 32767.0f), clamp_round(hi, -32768.0f, 32767.0f)));
+  }
 }
+
 void dct_quant_inv_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* inv) {
-  ref::dct_quant_inv_8x8_16s(src, dst, inv);
+  __m128i x[8];
+  dequant_idct(src, inv, x);
+  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, x[r]);
 }
+
 void dct_quant_inv_8x8_ls_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  ref::dct_quant_inv_8x8_ls_16s8u(src, dst, dst_step, inv);
+  __m128i x[8];
+  dequant_idct(src, inv, x);
+  store_ls_rows(x, dst, dst_step);
 }
+
 void dct_quant_inv_8x8_ls_16s16u(const int16_t* src, uint16_t* dst, int dst_step, const uint16_t* inv) {
-  ref::dct_quant_inv_8x8_ls_16s16u(src, dst, dst_step, inv);
+  __m128 tmp[8][2];
+  for (int v = 0; v < 8; ++v) {
+    const __m128i c = load16(src + 8 * v), q = load16(inv + 8 * v);
+    const __m128 c0 = _mm_mul_ps(_mm_cvtepi32_ps(_mm_mullo_epi32(_mm_cvtepi16_epi32(c), _mm_cvtepu16_epi32(q))),
+                                 loadf(dct_norm_8[v]));
+    const __m128 c1 = _mm_mul_ps(_mm_cvtepi32_ps(_mm_mullo_epi32(_mm_cvtepi16_epi32(_mm_srli_si128(c, 8)),
+                                                                 _mm_cvtepu16_epi32(_mm_srli_si128(q, 8)))),
+                                 loadf(dct_norm_8[v] + 4));
+    // rows: tmp[v][x] = sum_u c[v][u] * cos[u][x], vectorised over x
+    __m128 lo = _mm_mul_ps(splat(c0, 0), loadf(dct_cos_8[0]));
+    __m128 hi = _mm_mul_ps(splat(c0, 0), loadf(dct_cos_8[0] + 4));
+    for (int u = 1; u < 8; ++u) {
+      const __m128 s = splat(u < 4 ? c0 : c1, u & 3);
+      lo = _mm_add_ps(lo, _mm_mul_ps(s, loadf(dct_cos_8[u])));
+      hi = _mm_add_ps(hi, _mm_mul_ps(s, loadf(dct_cos_8[u] + 4)));
+    }
+    tmp[v][0] = lo;
+    tmp[v][1] = hi;
+  }
+  // columns: out[y] = sum_v cos[v][y] * tmp[v]
+  for (int y = 0; y < 8; ++y) {
+    __m128 lo = _mm_mul_ps(_mm_set1_ps(dct_cos_8[0][y]), tmp[0][0]);
+    __m128 hi = _mm_mul_ps(_mm_set1_ps(dct_cos_8[0][y]), tmp[0][1]);
+    for (int v = 1; v < 8; ++v) {
+      const __m128 k = _mm_set1_ps(dct_cos_8[v][y]);
+      lo = _mm_add_ps(lo, _mm_mul_ps(k, tmp[v][0]));
+      hi = _mm_add_ps(hi, _mm_mul_ps(k, tmp[v][1]));
+    }
+    const __m128 off = _mm_set1_ps(2048.0f);
+    store16(row_ptr(dst, dst_step, y), _mm_packus_epi32(clamp_round(_mm_add_ps(lo, off), 0.0f, 4095.0f),
+                                                        clamp_round(_mm_add_ps(hi, off), 0.0f, 4095.0f)));
+  }
 }
+
 void dct_quant_inv_8x8_ls_1x1_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  ref::dct_quant_inv_8x8_ls_1x1_16s8u(src, dst, dst_step, inv);
+  // Row 0 holds one value in every column; rows 1..7 their rounders.  All
+  // columns are alike: one scalar column, then eight filled rows.
+  const int32_t d = static_cast<int16_t>(static_cast<uint16_t>(static_cast<uint32_t>(int32_t{src[0]} * inv[0])));
+  int32_t r0 = (d * 16384 + round_i[0]) >> 11;
+  r0 = r0 < -32768 ? -32768 : r0 > 32767 ? 32767 : r0;
+  int16_t col[8], out[8];
+  col[0] = static_cast<int16_t>(r0);
+  for (int r = 1; r < 8; ++r) col[r] = static_cast<int16_t>(round_i[r] >> 11);
+  ref::idct_col(col, out);
+  const __m128i k128 = _mm_set1_epi16(128);
+  const __m128i y = _mm_packus_epi16(adds(_mm_loadu_si128(reinterpret_cast<const __m128i*>(out)), k128), k128);
+  for (int r = 0; r < 8; ++r) store8(dst + r * dst_step, _mm_shuffle_epi8(y, _mm_set1_epi8(static_cast<char>(r))));
 }
+
 void dct_quant_inv_8x8_ls_2x2_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  ref::dct_quant_inv_8x8_ls_2x2_16s8u(src, dst, dst_step, inv);
+  const __m128i keep2 = _mm_setr_epi16(-1, -1, 0, 0, 0, 0, 0, 0);
+  __m128i x[8];
+  for (int r = 0; r < 2; ++r) {
+    const __m128i c = _mm_and_si128(_mm_mullo_epi16(load4(src + 8 * r), load4(inv + 8 * r)), keep2);
+    x[r] = idct_row_half(c, tab_i_row[r], round_i[r]);
+  }
+  for (int r = 2; r < 8; ++r) x[r] = zero_row(r);
+  idct_cols<false>(x);
+  store_ls_rows(x, dst, dst_step);
 }
+
 void dct_quant_inv_8x8_ls_4x4_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  ref::dct_quant_inv_8x8_ls_4x4_16s8u(src, dst, dst_step, inv);
+  __m128i x[8];
+  for (int r = 0; r < 4; ++r)
+    x[r] = idct_row_half(_mm_mullo_epi16(load8(src + 8 * r), load8(inv + 8 * r)), tab_i_row[r], round_i[r]);
+  for (int r = 4; r < 8; ++r) x[r] = zero_row(r);  // rounders below 2048: all zero
+  idct_cols<true>(x);
+  store_ls_rows(x, dst, dst_step);
 }
+
 void dct_quant_inv_8x8_to2x2_ls_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
+  // Four sums of four values: the scalar form is already the fast one.
   ref::dct_quant_inv_8x8_to2x2_ls_16s8u(src, dst, dst_step, inv);
 }
+
 void dct_quant_inv_8x8_to4x4_ls_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  ref::dct_quant_inv_8x8_to4x4_ls_16s8u(src, dst, dst_step, inv);
+  __m128 tmp[4];
+  for (int v = 0; v < 4; ++v) {
+    const __m128i c16 = _mm_mullo_epi16(load8(src + 8 * v), load8(inv + 8 * v));
+    const __m128 c = _mm_mul_ps(_mm_cvtepi32_ps(_mm_cvtepi16_epi32(c16)), loadf(dct_norm_8[v]));
+    // rows: tmp[v][j] = sum_u c[v][u] * cos4[j][u], vectorised over j
+    __m128 acc = _mm_mul_ps(splat(c, 0), loadf(dct_cos_4t[0]));
+    for (int u = 1; u < 4; ++u) acc = _mm_add_ps(acc, _mm_mul_ps(splat(c, u), loadf(dct_cos_4t[u])));
+    tmp[v] = acc;
+  }
+  for (int i = 0; i < 4; ++i) {
+    __m128 acc = _mm_mul_ps(_mm_set1_ps(dct_cos_4[i][0]), tmp[0]);
+    for (int v = 1; v < 4; ++v) acc = _mm_add_ps(acc, _mm_mul_ps(_mm_set1_ps(dct_cos_4[i][v]), tmp[v]));
+    const __m128i y = clamp_round(_mm_add_ps(acc, _mm_set1_ps(128.0f)), 0.0f, 255.0f);
+    const __m128i w = _mm_packs_epi32(y, y);
+    store4(dst + i * dst_step, _mm_packus_epi16(w, w));
+  }
 }
 
 }  // namespace vpr::jpeg::sse

@@ -89,6 +89,52 @@ void random_coeffs(vprtest::Rng& rng, int16_t* c, int kind) {
   }
 }
 
+// ------------------------------------------------------------ constant tables
+
+// Every row-table entry is round(S * sqrt(2) * cos(k pi/16)) with the row
+// pair's scale S, in the documented layout; the float bases are the cosines.
+TEST(DctTables, EntriesFollowFromTheCosines) {
+  const double scale[4] = {16384.0, 16384.0 * std::sqrt(2.0) * std::cos(M_PI / 16),
+                           16384.0 * std::sqrt(2.0) * std::cos(2 * M_PI / 16),
+                           16384.0 * std::sqrt(2.0) * std::cos(3 * M_PI / 16)};
+  const int16_t* inv[4] = {tab_i_04, tab_i_17, tab_i_26, tab_i_35};
+  const int16_t* fwd[4] = {tab_f_04, tab_f_17, tab_f_26, tab_f_35};
+  // +-k: coefficient Ck with sign; 4 stands for C4 = S
+  const int inv_layout[32] = {4, 2, 4, 6, -4, 2, 4, -6, 4, -6, 4, -2, 4, 6, -4, -2,
+                              1, 3, 3, -7, 7, 3, 3, -1, 5, -1, 7, -5, 5, 7, -1, -5};
+  const int fwd_layout[32] = {4, 4, 1, 3, -6, -2, -1, -5, 4, 4, 5, 7, 2, 6, 3, -7,
+                              4, -4, 5, -1, 2, -6, 3, -1, -4, 4, 7, 3, 6, -2, 7, -5};
+  for (int p = 0; p < 4; ++p)
+    for (int i = 0; i < 32; ++i) {
+      auto coef = [&](int k) {
+        const int a = std::abs(k);
+        const double v = std::floor(scale[p] * std::sqrt(2.0) * std::cos(a * M_PI / 16) + 0.5);
+        return static_cast<int>(k < 0 ? -v : v);
+      };
+      EXPECT_EQ(inv[p][i], coef(inv_layout[i])) << p << " " << i;
+      EXPECT_EQ(fwd[p][i], coef(fwd_layout[i])) << p << " " << i;
+    }
+  EXPECT_EQ(tab_i_17[1], 29692);
+  EXPECT_EQ(tab_i_17[3], 12299);
+  const int rows[8] = {0, 1, 2, 3, 0, 3, 2, 1};
+  for (int r = 0; r < 8; ++r) {
+    EXPECT_EQ(tab_i_row[r], inv[rows[r]]);
+    EXPECT_EQ(tab_f_row[r], fwd[rows[r]]);
+  }
+  for (int k = 0; k < 8; ++k)
+    for (int n = 0; n < 8; ++n) {
+      EXPECT_EQ(dct_cos_8[k][n], static_cast<float>(std::cos((2 * n + 1) * k * M_PI / 16))) << k << n;
+      EXPECT_EQ(dct_cos_8t[n][k], dct_cos_8[k][n]);
+      const float c = static_cast<float>((k ? 1.0 : std::sqrt(0.5)) * (n ? 1.0 : std::sqrt(0.5)) / 4.0);
+      EXPECT_EQ(dct_norm_8[k][n], c);
+    }
+  for (int j = 0; j < 4; ++j)
+    for (int u = 0; u < 4; ++u) {
+      EXPECT_EQ(dct_cos_4[j][u], static_cast<float>(std::cos((2 * j + 1) * u * M_PI / 8)));
+      EXPECT_EQ(dct_cos_4t[u][j], dct_cos_4[j][u]);
+    }
+}
+
 // ------------------------------------------------------------ SSE vs scalar
 
 using InvLs8 = void (*)(const int16_t*, uint8_t*, int, const uint16_t*);
