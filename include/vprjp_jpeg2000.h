@@ -265,8 +265,9 @@ VPR_API VprStatus vpriWTInvColLift_B53_JPEG2K_16s_C1(const Vpr16s* pSrcLow, cons
  *   G = clamp16(Y + ((-5638 Cb - 11700 Cr + 8192) >> 14))
  *   B = clamp16(Y + ((29032 Cb + 8192) >> 14))
  * It inverts the 16s forward to within rounding: for samples of up to 15
- * significant bits whose forward results are not clamped, every
- * reconstructed component is within 2 of the original.
+ * significant bits every reconstructed component is within 3 of the
+ * original (the same bound as the 32s pair, whose products must stay in
+ * 32 bits: components up to about 2^16 in magnitude).
  */
 VPR_API VprStatus vpriRCTFwd_JPEG2K_16s_C3P3R(const Vpr16s* pSrc, int32_t srcStep, Vpr16s* pDst[3], int32_t dstStep,
                                               VprRoiSize roiSize);
