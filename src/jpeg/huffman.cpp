@@ -468,6 +468,8 @@ VprStatus encode_block_8x8_direct(const int16_t* pSrc, uint8_t* pDst, int dstLen
                                   const EncodeHuffmanSpecLayout* ac) {
   const int64_t pos = *pDstBitPosition;
   const int skip = static_cast<int>(pos & 7);
+  const int64_t limit = dstLen < kMaxDirectBytes ? dstLen : kMaxDirectBytes;
+  if ((pos + 7) >> 3 > limit || (skip && (pos >> 3) >= limit)) return vprStatusOutOfBuffer;
   uint8_t buf[600];
   BitPacker bp{buf};
   if (skip) bp.put(static_cast<uint32_t>(pDst[pos >> 3] >> (8 - skip)), skip);
@@ -500,7 +502,6 @@ VprStatus encode_block_8x8_direct(const int16_t* pSrc, uint8_t* pDst, int dstLen
   const int64_t endBits = (pos - skip) + static_cast<int64_t>(bp.bytes) * 8 + bp.n;
   const int tail = bp.n;
   if (tail) bp.put(0, 8 - tail);
-  const int64_t limit = dstLen < kMaxDirectBytes ? dstLen : kMaxDirectBytes;
   if ((pos >> 3) + bp.bytes > limit) return vprStatusOutOfBuffer;
   std::memcpy(pDst + (pos >> 3), buf, static_cast<size_t>(bp.bytes));
   *pDstBitPosition = static_cast<int>(endBits);

@@ -1041,7 +1041,7 @@ TEST(HuffmanBlock, DecodingStopsAtTheEndOfAPage) {
       std::vector<uint8_t> s(stream.begin(), stream.begin() + static_cast<long>(cut));
       s.insert(s.end(), tail.begin(), tail.end());
       uint8_t* src = end - s.size();
-      std::memcpy(src, s.data(), s.size());
+      if (!s.empty()) std::memcpy(src, s.data(), s.size());
       DecState st{};
       int pos = 0, marker = 0;
       int16_t dc = 0, dst[64];
