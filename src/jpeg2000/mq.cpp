@@ -85,37 +85,34 @@ inline void byteout(Regs& r) {
   }
 }
 
-// ENCODE of decision d in context cx, with RENORME.
+// ENCODE of decision d in context cx (CODEMPS / CODELPS), with RENORME.
+// Both paths reduce to one rule without branches: with the conditional
+// exchange "A - Qe < Qe", C gains Qe and A keeps A - Qe exactly when the
+// decision is the MPS without an exchange or the LPS with one; otherwise
+// A becomes Qe and C stays.  The state moves only when A needs
+// renormalisation (always after an LPS).
 inline void encode(Regs& r, MqContext& cx, uint32_t d) {
-  const MqEstimatorRow& row = owniEstimator_JPEG2K[cx.index];
+  const uint32_t index = cx.index;
+  const uint32_t mps = cx.mps;
+  const MqEstimatorRow& row = owniEstimator_JPEG2K[index];
   const uint32_t qe = row.qe;
   uint32_t a = r.A - qe;
-  if (d == cx.mps) {
-    if (a & 0x8000u) {  // CODEMPS without renormalisation
-      r.A = a;
-      r.C += qe;
-      return;
-    }
-    if (a < qe)
-      a = qe;
-    else
-      r.C += qe;
-    cx.index = static_cast<uint8_t>(row.nmps);
-  } else {  // CODELPS
-    if (a < qe)
-      r.C += qe;
-    else
-      a = qe;
-    cx.mps = static_cast<uint8_t>(cx.mps ^ row.swtch);
-    cx.index = static_cast<uint8_t>(row.nlps);
-  }
+  const uint32_t lps = d ^ mps;
+  const uint32_t keep = lps ^ (a >= qe);  // 1: C += Qe, A = A - Qe
+  r.C += keep ? qe : 0u;
+  a = keep ? a : qe;
+  const uint32_t next = lps ? row.nlps : row.nmps;
+  cx.index = static_cast<uint8_t>(a < 0x8000u ? next : index);
+  cx.mps = static_cast<uint8_t>(mps ^ (lps & row.swtch));
   // RENORME: n shifts; a BYTEOUT whenever CT reaches 0.
-  uint32_t n = static_cast<uint32_t>(__builtin_clz(a)) - 16u;
-  while (n >= r.CT) {
-    a <<= r.CT;
-    r.C <<= r.CT;
-    n -= r.CT;
-    byteout(r);
+  uint32_t n = static_cast<uint32_t>(__builtin_clz(a | 1u)) - 16u;
+  if (__builtin_expect(n >= r.CT, 0)) {
+    do {
+      a <<= r.CT;
+      r.C <<= r.CT;
+      n -= r.CT;
+      byteout(r);
+    } while (n >= r.CT);
   }
   r.A = a << n;
   r.C <<= n;

@@ -176,59 +176,51 @@ void ownpj_DecoderByteIn(MqDecoder* d);
 
 // One DECODE (ISO/IEC 15444-1 C.3.2) in context cx: returns the decision
 // (0 or 1) and updates the context, with renormalisation and byte input.
+//
+// The sub-interval, the conditional exchange and the state update are
+// computed without branches (the MPS/LPS outcome is what a predictor cannot
+// guess); only byte input branches.  On the MPS side without an exchange
+// (A - Qe keeps 0x8000) A is the only thing that changes: the shift count
+// is 0 and the state index is stored back unchanged.
 inline int ownpj_DecoderDecode_asm(MqDecoder* d, MqContext* cx) {
-  const MqEstimatorRow& row = owniEstimator_JPEG2K[cx->index];
+  const uint32_t index = cx->index;
+  const uint32_t mps = cx->mps;
+  const MqEstimatorRow& row = owniEstimator_JPEG2K[index];
   const uint32_t qe = row.qe;
   uint32_t a = d->A - qe;
   uint32_t c = d->C;
-  int bit;
-  if ((c >> 16) < a) {
-    // MPS sub-interval: C (complemented) is unchanged.
-    if (a & 0x8000u) {
-      d->A = a;
-      return cx->mps;
-    }
-    // MPS_EXCHANGE.
-    if (a < qe) {
-      bit = cx->mps ^ 1;
-      cx->mps = static_cast<uint8_t>(cx->mps ^ row.swtch);
-      cx->index = static_cast<uint8_t>(row.nlps);
-    } else {
-      bit = cx->mps;
-      cx->index = static_cast<uint8_t>(row.nmps);
-    }
-  } else {
-    // LPS sub-interval: the complemented C loses the MPS part.
-    c -= a << 16;
-    // LPS_EXCHANGE.
-    if (a < qe) {
-      bit = cx->mps;
-      cx->index = static_cast<uint8_t>(row.nmps);
-    } else {
-      bit = cx->mps ^ 1;
-      cx->mps = static_cast<uint8_t>(cx->mps ^ row.swtch);
-      cx->index = static_cast<uint8_t>(row.nlps);
-    }
-    a = qe;
-  }
-  // RENORMD: a is nonzero and below 0x8000 here.
-  uint32_t n = static_cast<uint32_t>(__builtin_clz(a)) - 16u;
+  // The LPS sub-interval is the lower one: Cstd_high < Qe, i.e. the
+  // complemented high half reaches the MPS part A - Qe.
+  const uint32_t lps_side = (c >> 16) >= a;
+  // The conditional exchange: the smaller sub-interval belongs to the LPS.
+  const uint32_t exchange = a < qe;
+  const uint32_t bit = mps ^ lps_side ^ exchange;
+  c -= lps_side ? (a << 16) : 0u;  // the complement drops the MPS part
+  a = lps_side ? qe : a;
+  const uint32_t lps = bit ^ mps;
+  const uint32_t next = lps ? row.nlps : row.nmps;
+  cx->index = static_cast<uint8_t>(a < 0x8000u ? next : index);
+  cx->mps = static_cast<uint8_t>(mps ^ (lps & row.swtch));
+  // RENORMD: n shifts (0 when A kept 0x8000), a byte entering whenever CT
+  // runs out.
+  uint32_t n = static_cast<uint32_t>(__builtin_clz(a | 1u)) - 16u;
   uint32_t ct = d->CT;
-  while (n > ct) {
-    // Use up the bits left, then enter a byte.
-    a <<= ct;
-    c <<= ct;
-    n -= ct;
-    d->C = c;
-    d->CT = 0;
-    ownpj_DecoderByteIn(d);
-    c = d->C;
-    ct = d->CT;
+  if (__builtin_expect(n > ct, 0)) {
+    do {
+      a <<= ct;
+      c <<= ct;
+      n -= ct;
+      d->C = c;
+      d->CT = 0;
+      ownpj_DecoderByteIn(d);
+      c = d->C;
+      ct = d->CT;
+    } while (n > ct);
   }
   d->A = a << n;
   d->C = c << n;
   d->CT = ct - n;
-  return bit;
+  return static_cast<int>(bit);
 }
 
 inline int mq_decode(MqDecoder* d, int cx) { return ownpj_DecoderDecode_asm(d, &d->ctx[cx]); }
