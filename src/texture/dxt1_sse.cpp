@@ -16,8 +16,9 @@
 //   - the index rule on 16-bit compares; a byte blend of the two index-bit
 //     masks and pmovmskb give 16 bits of the index word per 8 pixels.
 // Decoder, one block: the four palette entries in one register (both modes
-// computed, the mode picked by a blend), the 16 indices turned into byte
-// offsets 4*k by a 16-bit multiply-shift, and one pshufb per output row.
+// computed, the mode picked by a blend); each output row is one pshufb of
+// the palette with a control loaded from a 256-entry table by the row's
+// index byte.
 #include <cstring>
 
 #include "core/simd.h"
@@ -99,13 +100,29 @@ inline void encode_rows(__m128i p0, __m128i p1, __m128i p2, __m128i p3, uint8_t*
   std::memcpy(out, &word, 8);
 }
 
-// Palette (4 RGBA entries) and per-pixel byte offsets 4*k of one block.
-inline void decode_setup(const uint8_t* in, __m128i* pal, __m128i* offs) {
-  uint64_t word;
-  std::memcpy(&word, in, 8);
+// pshufb controls for one block row, by the row's index byte: pixel i of
+// the row (index k = bits 2i..2i+1) takes palette bytes 4k..4k+3.
+struct RowControls {
+  alignas(16) uint8_t c[256][16];
+};
+constexpr RowControls make_row_controls() {
+  RowControls t{};
+  for (int byte = 0; byte < 256; ++byte)
+    for (int i = 0; i < 4; ++i)
+      for (int ch = 0; ch < 4; ++ch) t.c[byte][4 * i + ch] = static_cast<uint8_t>(4 * ((byte >> (2 * i)) & 3) + ch);
+  return t;
+}
+constexpr RowControls kRowControls = make_row_controls();
+
+inline __m128i row_control(uint32_t indices, int r) {
+  return _mm_load_si128(reinterpret_cast<const __m128i*>(kRowControls.c[(indices >> (8 * r)) & 0xFF]));
+}
+
+// The four palette entries of a block as RGBA bytes.
+inline __m128i decode_palette(uint64_t word) {
   const uint32_t color0 = static_cast<uint32_t>(word) & 0xFFFF;
   const uint32_t color1 = static_cast<uint32_t>(word >> 16) & 0xFFFF;
-  const __m128i w = _mm_cvtsi64_si128(static_cast<long long>(word));
+  const __m128i w = _mm_cvtsi32_si128(static_cast<int>(word));
 
   // Lanes c0 c0 c0 c0 c1 c1 c1 c1; blue moved to the top bits, then
   // v * 264 >> 16 = v5 * 33 / 4 and v * 8320 >> 16 = v6 * 65 / 16 give the
@@ -123,24 +140,13 @@ inline void decode_setup(const uint8_t* in, __m128i* pal, __m128i* offs) {
                                      _mm_setr_epi16(0, 0, 0, 0, 255, 255, 255, 255));
   const __m128i mode = _mm_set1_epi32(color0 > color1 ? -1 : 0);
   const __m128i e23 = _mm_blendv_epi8(three, four, mode);
-  *pal = _mm_or_si128(_mm_packus_epi16(e01, e23), _mm_set1_epi32(static_cast<int>(0xFF000000u)));
-
-  // Index of pixel j (bits 2j..2j+1 of its 16-bit half) moved to the top two
-  // bits by a multiply with 2^(14 - 2j), then shifted down.
-  const __m128i lo16 = _mm_shuffle_epi8(w, _mm_setr_epi8(4, 5, 4, 5, 4, 5, 4, 5, 4, 5, 4, 5, 4, 5, 4, 5));
-  const __m128i hi16 = _mm_shuffle_epi8(w, _mm_setr_epi8(6, 7, 6, 7, 6, 7, 6, 7, 6, 7, 6, 7, 6, 7, 6, 7));
-  const __m128i mul = _mm_setr_epi16(1 << 14, 1 << 12, 1 << 10, 1 << 8, 1 << 6, 1 << 4, 1 << 2, 1);
-  const __m128i k_lo = _mm_srli_epi16(_mm_mullo_epi16(lo16, mul), 14);
-  const __m128i k_hi = _mm_srli_epi16(_mm_mullo_epi16(hi16, mul), 14);
-  *offs = _mm_slli_epi16(_mm_packus_epi16(k_lo, k_hi), 2);  // 4*k per pixel, bytes
+  return _mm_or_si128(_mm_packus_epi16(e01, e23), _mm_set1_epi32(static_cast<int>(0xFF000000u)));
 }
 
-// Shuffle control of block row r: the palette bytes of its 4 pixels.
-inline __m128i row_control(__m128i offs, int r) {
-  const char b = static_cast<char>(4 * r);
-  const __m128i spread = _mm_setr_epi8(b, b, b, b, b + 1, b + 1, b + 1, b + 1, b + 2, b + 2, b + 2, b + 2, b + 3,
-                                       b + 3, b + 3, b + 3);
-  return _mm_or_si128(_mm_shuffle_epi8(offs, spread), _mm_set1_epi32(0x03020100));
+inline uint64_t load_block(const uint8_t* in) {
+  uint64_t word;
+  std::memcpy(&word, in, 8);
+  return word;
 }
 
 }  // namespace
@@ -155,9 +161,10 @@ void encode_block_rgba_dxt1_rows(const uint8_t* src, int32_t step, uint8_t out[8
 }
 
 void decode_block_dxt1(const uint8_t in[8], uint8_t block[64]) {
-  __m128i pal, offs;
-  decode_setup(in, &pal, &offs);
-  for (int r = 0; r < 4; ++r) simd::store16(block + 16 * r, _mm_shuffle_epi8(pal, row_control(offs, r)));
+  const uint64_t word = load_block(in);
+  const __m128i pal = decode_palette(word);
+  const uint32_t indices = static_cast<uint32_t>(word >> 32);
+  for (int r = 0; r < 4; ++r) simd::store16(block + 16 * r, _mm_shuffle_epi8(pal, row_control(indices, r)));
 }
 
 void encode_image_dxt1(const uint8_t* src, int32_t srcStep, int32_t width, int32_t height, uint8_t* dst) {
@@ -202,12 +209,13 @@ void decode_image_dxt1(const uint8_t* src, uint8_t* dst, int32_t dstStep, int32_
       uint8_t* d2 = simd::row_ptr(d, dstStep, 2);
       uint8_t* d3 = simd::row_ptr(d, dstStep, 3);
       for (; bx < full_bw; ++bx) {
-        __m128i pal, offs;
-        decode_setup(s + kDxt1BlockBytes * bx, &pal, &offs);
-        simd::store16(d + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 0)));
-        simd::store16(d1 + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 1)));
-        simd::store16(d2 + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 2)));
-        simd::store16(d3 + 16 * bx, _mm_shuffle_epi8(pal, row_control(offs, 3)));
+        const uint64_t word = load_block(s + kDxt1BlockBytes * bx);
+        const __m128i pal = decode_palette(word);
+        const uint32_t indices = static_cast<uint32_t>(word >> 32);
+        simd::store16(d + 16 * bx, _mm_shuffle_epi8(pal, row_control(indices, 0)));
+        simd::store16(d1 + 16 * bx, _mm_shuffle_epi8(pal, row_control(indices, 1)));
+        simd::store16(d2 + 16 * bx, _mm_shuffle_epi8(pal, row_control(indices, 2)));
+        simd::store16(d3 + 16 * bx, _mm_shuffle_epi8(pal, row_control(indices, 3)));
       }
     }
     for (; bx < bw; ++bx) {
