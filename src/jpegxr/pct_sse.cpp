@@ -180,6 +180,25 @@ VPR_ALWAYS_INLINE void transform(typename O::V* x) {
     Lift<O>::inv(x);
 }
 
+// Two groups side by side: every operation is issued for
+// both, so the lifting's dependency chains of one group hide the latency
+// of the other's.
+template <class O>
+struct OpsPair {
+  struct V {
+    typename O::V a, b;
+  };
+  static VPR_ALWAYS_INLINE V add(V x, V y) { return {O::add(x.a, y.a), O::add(x.b, y.b)}; }
+  static VPR_ALWAYS_INLINE V sub(V x, V y) { return {O::sub(x.a, y.a), O::sub(x.b, y.b)}; }
+  static VPR_ALWAYS_INLINE V neg(V x) { return {O::neg(x.a), O::neg(x.b)}; }
+  static VPR_ALWAYS_INLINE V h2t(V x, V y, int r) { return {O::h2t(x.a, y.a, r), O::h2t(x.b, y.b, r)}; }
+  static VPR_ALWAYS_INLINE V half(V x) { return {O::half(x.a), O::half(x.b)}; }
+  static VPR_ALWAYS_INLINE V half_up(V x) { return {O::half_up(x.a), O::half_up(x.b)}; }
+  static VPR_ALWAYS_INLINE V r3p4s3(V x) { return {O::r3p4s3(x.a), O::r3p4s3(x.b)}; }
+  static VPR_ALWAYS_INLINE V r3p3s2(V x) { return {O::r3p3s2(x.a), O::r3p3s2(x.b)}; }
+  static VPR_ALWAYS_INLINE V r3p3s3(V x) { return {O::r3p3s3(x.a), O::r3p3s3(x.b)}; }
+};
+
 // ---------------------------------------------------------------- 16s
 // A slot is a pair of horizontally adjacent blocks (8 elements per row),
 // or a single block at the right edge (4 elements).
@@ -188,56 +207,63 @@ struct Slot16 {
   int full;    // 1: two blocks, 0: one block
 };
 
-// kAll: four slots, each a full pair (the body of a region); otherwise n
-// slots of either kind.
-template <bool kFwd, bool kAll>
+VPR_ALWAYS_INLINE void transpose16_in(const __m128i* P, __m128i* x) {
+  const __m128i t0 = _mm_unpacklo_epi16(P[0], P[1]);
+  const __m128i t1 = _mm_unpackhi_epi16(P[0], P[1]);
+  const __m128i t2 = _mm_unpacklo_epi16(P[2], P[3]);
+  const __m128i t3 = _mm_unpackhi_epi16(P[2], P[3]);
+  const __m128i u0 = _mm_unpacklo_epi32(t0, t2);
+  const __m128i u1 = _mm_unpackhi_epi32(t0, t2);
+  const __m128i u2 = _mm_unpacklo_epi32(t1, t3);
+  const __m128i u3 = _mm_unpackhi_epi32(t1, t3);
+  x[0] = _mm_unpacklo_epi64(u0, u2);
+  x[1] = _mm_unpackhi_epi64(u0, u2);
+  x[2] = _mm_unpacklo_epi64(u1, u3);
+  x[3] = _mm_unpackhi_epi64(u1, u3);
+}
+
+VPR_ALWAYS_INLINE void transpose16_out(const __m128i* x, __m128i* P) {
+  const __m128i s0 = _mm_unpacklo_epi16(x[0], x[1]);
+  const __m128i s1 = _mm_unpackhi_epi16(x[0], x[1]);
+  const __m128i s2 = _mm_unpacklo_epi16(x[2], x[3]);
+  const __m128i s3 = _mm_unpackhi_epi16(x[2], x[3]);
+  const __m128i w0 = _mm_unpacklo_epi32(s0, s2);
+  const __m128i w1 = _mm_unpackhi_epi32(s0, s2);
+  const __m128i w2 = _mm_unpacklo_epi32(s1, s3);
+  const __m128i w3 = _mm_unpackhi_epi32(s1, s3);
+  P[0] = _mm_unpacklo_epi64(w0, w2);
+  P[1] = _mm_unpackhi_epi64(w0, w2);
+  P[2] = _mm_unpacklo_epi64(w1, w3);
+  P[3] = _mm_unpackhi_epi64(w1, w3);
+}
+
+// kFull > 0: exactly kFull slots, all full pairs (branch-free); kFull = 0:
+// n slots of either kind.
+template <bool kFwd, int kFull>
 VPR_ALWAYS_INLINE void group16(const Slot16* s, int n, std::ptrdiff_t step) {
-  if constexpr (kAll) n = 4;
+  if constexpr (kFull > 0) n = kFull;
   __m128i x[16];
   for (int y = 0; y < 4; ++y) {
     __m128i P[4];
     for (int k = 0; k < 4; ++k) {
-      if (kAll) {
+      if (kFull > 0 && k < kFull) {
         P[k] = simd::load16(s[k].p + y * step);
-      } else if (k < n) {
+      } else if (kFull == 0 && k < n) {
         const uint8_t* r = s[k].p + y * step;
         P[k] = s[k].full ? simd::load16(r) : simd::load8(r);
       } else {
         P[k] = _mm_setzero_si128();
       }
     }
-    // lanes of X: blocks 0 2 4 6 1 3 5 7 (block 2k, 2k+1 = slot k)
-    const __m128i t0 = _mm_unpacklo_epi16(P[0], P[1]);
-    const __m128i t1 = _mm_unpackhi_epi16(P[0], P[1]);
-    const __m128i t2 = _mm_unpacklo_epi16(P[2], P[3]);
-    const __m128i t3 = _mm_unpackhi_epi16(P[2], P[3]);
-    const __m128i u0 = _mm_unpacklo_epi32(t0, t2);
-    const __m128i u1 = _mm_unpackhi_epi32(t0, t2);
-    const __m128i u2 = _mm_unpacklo_epi32(t1, t3);
-    const __m128i u3 = _mm_unpackhi_epi32(t1, t3);
-    x[4 * y + 0] = _mm_unpacklo_epi64(u0, u2);
-    x[4 * y + 1] = _mm_unpackhi_epi64(u0, u2);
-    x[4 * y + 2] = _mm_unpacklo_epi64(u1, u3);
-    x[4 * y + 3] = _mm_unpackhi_epi64(u1, u3);
+    transpose16_in(P, x + 4 * y);
   }
   transform<Ops16, kFwd>(x);
   for (int y = 0; y < 4; ++y) {
-    const __m128i s0 = _mm_unpacklo_epi16(x[4 * y + 0], x[4 * y + 1]);
-    const __m128i s1 = _mm_unpackhi_epi16(x[4 * y + 0], x[4 * y + 1]);
-    const __m128i s2 = _mm_unpacklo_epi16(x[4 * y + 2], x[4 * y + 3]);
-    const __m128i s3 = _mm_unpackhi_epi16(x[4 * y + 2], x[4 * y + 3]);
-    const __m128i w0 = _mm_unpacklo_epi32(s0, s2);
-    const __m128i w1 = _mm_unpackhi_epi32(s0, s2);
-    const __m128i w2 = _mm_unpacklo_epi32(s1, s3);
-    const __m128i w3 = _mm_unpackhi_epi32(s1, s3);
     __m128i P[4];
-    P[0] = _mm_unpacklo_epi64(w0, w2);
-    P[1] = _mm_unpackhi_epi64(w0, w2);
-    P[2] = _mm_unpacklo_epi64(w1, w3);
-    P[3] = _mm_unpackhi_epi64(w1, w3);
+    transpose16_out(x + 4 * y, P);
     for (int k = 0; k < n; ++k) {
       uint8_t* r = s[k].p + y * step;
-      if (kAll || s[k].full)
+      if (kFull > 0 || s[k].full)
         simd::store16(r, P[k]);
       else
         simd::store8(r, P[k]);
@@ -245,15 +271,51 @@ VPR_ALWAYS_INLINE void group16(const Slot16* s, int n, std::ptrdiff_t step) {
   }
 }
 
+// Sixteen blocks: eight full slots, two groups side by side.
+template <bool kFwd>
+VPR_ALWAYS_INLINE void group16x2(const Slot16* s, std::ptrdiff_t step) {
+  using P = OpsPair<Ops16>;
+  P::V x[16];
+  for (int y = 0; y < 4; ++y) {
+    __m128i a[4], b[4], xa[4], xb[4];
+    for (int k = 0; k < 4; ++k) a[k] = simd::load16(s[k].p + y * step), b[k] = simd::load16(s[k + 4].p + y * step);
+    transpose16_in(a, xa);
+    transpose16_in(b, xb);
+    for (int k = 0; k < 4; ++k) x[4 * y + k] = {xa[k], xb[k]};
+  }
+  transform<P, kFwd>(x);
+  for (int y = 0; y < 4; ++y) {
+    const __m128i xa[4] = {x[4 * y].a, x[4 * y + 1].a, x[4 * y + 2].a, x[4 * y + 3].a};
+    const __m128i xb[4] = {x[4 * y].b, x[4 * y + 1].b, x[4 * y + 2].b, x[4 * y + 3].b};
+    __m128i a[4], b[4];
+    transpose16_out(xa, a);
+    transpose16_out(xb, b);
+    for (int k = 0; k < 4; ++k) simd::store16(s[k].p + y * step, a[k]), simd::store16(s[k + 4].p + y * step, b[k]);
+  }
+}
+
 template <bool kFwd>
 __attribute__((noinline)) void group16_any(const Slot16* s, int n, std::ptrdiff_t step) {
-  group16<kFwd, false>(s, n, step);
+  group16<kFwd, 0>(s, n, step);
+}
+
+// Up to four slots: the branch-free form when all are full pairs.
+template <bool kFwd>
+VPR_ALWAYS_INLINE void group16_upto4(const Slot16* s, int n, std::ptrdiff_t step) {
+  bool full = true;
+  for (int k = 0; k < n; ++k) full = full && s[k].full;
+  if (full && n == 4)
+    group16<kFwd, 4>(s, 4, step);
+  else if (full && n == 2)
+    group16<kFwd, 2>(s, 2, step);
+  else
+    group16_any<kFwd>(s, n, step);
 }
 
 template <bool kFwd>
 void region16(int16_t* p, std::ptrdiff_t step, int width, int height) {
   auto* base = reinterpret_cast<uint8_t*>(p);
-  Slot16 s[4];
+  Slot16 s[8];
   int n = 0;
   bool all_full = true;
   for (int by = 0; by < height; by += 4) {
@@ -262,17 +324,24 @@ void region16(int16_t* p, std::ptrdiff_t step, int width, int height) {
       s[n].p = row + bx * 2;
       s[n].full = bx + 8 <= width;
       all_full = all_full && s[n].full;
-      if (++n == 4) {
-        if (all_full)
-          group16<kFwd, true>(s, 4, step);
-        else
-          group16_any<kFwd>(s, 4, step);
+      if (++n == 8) {
+        if (all_full) {
+          group16x2<kFwd>(s, step);
+        } else {
+          group16_upto4<kFwd>(s, 4, step);
+          group16_upto4<kFwd>(s + 4, 4, step);
+        }
         n = 0;
         all_full = true;
       }
     }
   }
-  if (n) group16_any<kFwd>(s, n, step);
+  if (n > 4) {
+    group16_upto4<kFwd>(s, 4, step);
+    group16_upto4<kFwd>(s + 4, n - 4, step);
+  } else if (n) {
+    group16_upto4<kFwd>(s, n, step);
+  }
 }
 
 // ---------------------------------------------------------------- 32s / 32f
@@ -320,6 +389,28 @@ VPR_ALWAYS_INLINE void group32(uint8_t* const* s, int n, std::ptrdiff_t step) {
 }
 
 template <class O, bool kFwd>
+VPR_ALWAYS_INLINE void group32x2(uint8_t* const* s, std::ptrdiff_t step) {
+  using M = Mem32<O>;
+  using P = OpsPair<O>;
+  typename P::V x[16];
+  for (int y = 0; y < 4; ++y) {
+    typename O::V q[4], r[4];
+    for (int k = 0; k < 4; ++k) q[k] = M::load(s[k] + y * step), r[k] = M::load(s[k + 4] + y * step);
+    M::transpose(q[0], q[1], q[2], q[3]);
+    M::transpose(r[0], r[1], r[2], r[3]);
+    for (int k = 0; k < 4; ++k) x[4 * y + k] = {q[k], r[k]};
+  }
+  transform<P, kFwd>(x);
+  for (int y = 0; y < 4; ++y) {
+    typename O::V q[4] = {x[4 * y].a, x[4 * y + 1].a, x[4 * y + 2].a, x[4 * y + 3].a};
+    typename O::V r[4] = {x[4 * y].b, x[4 * y + 1].b, x[4 * y + 2].b, x[4 * y + 3].b};
+    M::transpose(q[0], q[1], q[2], q[3]);
+    M::transpose(r[0], r[1], r[2], r[3]);
+    for (int k = 0; k < 4; ++k) M::store(s[k] + y * step, q[k]), M::store(s[k + 4] + y * step, r[k]);
+  }
+}
+
+template <class O, bool kFwd>
 __attribute__((noinline)) void group32_any(uint8_t* const* s, int n, std::ptrdiff_t step) {
   group32<O, kFwd>(s, n, step);
 }
@@ -327,17 +418,22 @@ __attribute__((noinline)) void group32_any(uint8_t* const* s, int n, std::ptrdif
 template <class O, bool kFwd>
 void region32(void* p, std::ptrdiff_t step, int width, int height) {
   auto* base = static_cast<uint8_t*>(p);
-  uint8_t* s[4];
+  uint8_t* s[8];
   int n = 0;
   for (int by = 0; by < height; by += 4) {
     uint8_t* row = base + by * step;
     for (int bx = 0; bx < width; bx += 4) {
       s[n] = row + bx * 4;
-      if (++n == 4) {
-        group32<O, kFwd>(s, 4, step);
+      if (++n == 8) {
+        group32x2<O, kFwd>(s, step);
         n = 0;
       }
     }
+  }
+  if (n >= 4) {
+    group32<O, kFwd>(s, 4, step);
+    n -= 4;
+    for (int k = 0; k < n; ++k) s[k] = s[k + 4];
   }
   if (n) group32_any<O, kFwd>(s, n, step);
 }
