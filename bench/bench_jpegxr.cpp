@@ -145,12 +145,14 @@ void BM_JpegXR_VLCScan4x4DC_32s_vpr(benchmark::State& s) {
   alignas(16) unsigned char state[vpr::jxr::kVlcStateSize];
   vpriVLCInit_JPEGXR(state);
   vpriVLCScanReset_JPEGXR(state, 2);
+  // Non-zero values get rarer towards position 15, as in real DC bands.
   std::vector<int32_t> blocks(16 * 1024);
   uint32_t x = 12345;
-  for (auto& v : blocks) {
+  for (size_t i = 0; i < blocks.size(); ++i) {
     x = x * 1664525u + 1013904223u;
-    const int r = static_cast<int>(x >> 24);
-    v = r < 160 ? 0 : (r & 1 ? 1 : -1) * ((r >> 1) & 63);
+    const int r = static_cast<int>(x >> 24), pos = static_cast<int>(i & 15);
+    const bool nz = r < 200 - 12 * pos;
+    blocks[i] = nz ? (r & 1 ? 1 : -1) * (1 + ((r >> 1) & 31)) : 0;
   }
   int32_t dst[16], rl[30];
   int np = 0;

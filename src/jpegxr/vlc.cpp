@@ -2,6 +2,8 @@
 // the adaptive scan of DC-band blocks.
 #include "jpegxr/vlc.h"
 
+#include "core/simd.h"
+
 #include <array>
 #include <climits>
 #include <cstring>
@@ -282,6 +284,25 @@ void vlc_scan_reset(VlcState* s, int scan) {
 }
 
 // ---------------------------------------------------------------- DC scan
+namespace {
+
+// Counts one level at entry k and lets the entry pass the one before it
+// when its total is now strictly greater; the sentinel at 0 never moves.
+inline void bump_total(VlcScanEntry* e, int k) {
+  const int32_t total = static_cast<int32_t>(static_cast<uint32_t>(e[k].total) + 1u);
+  e[k].total = total;
+  if (k > 1 && total > e[k - 1].total) {
+    const VlcScanEntry t = e[k];
+    e[k] = e[k - 1];
+    e[k - 1] = t;
+  }
+}
+
+}  // namespace
+
+namespace ref {
+
+// Straight from the rule: visit entries 1..15, code, count, swap at once.
 int vlc_scan4x4_dc(const int32_t* src, int b, int32_t* dst, int32_t* run_level, VlcState* s) {
   s->current_scan = 2;
   VlcScanEntry* e = s->scan[2];
@@ -302,15 +323,65 @@ int vlc_scan4x4_dc(const int32_t* src, int b, int32_t* dst, int32_t* run_level, 
     run_level[2 * pairs + 1] = static_cast<int32_t>(c < 0 ? 0u - lv : lv);
     ++pairs;
     run = 0;
-    e[k].total = static_cast<int32_t>(static_cast<uint32_t>(e[k].total) + 1u);
-    if (k > 1 && e[k].total > e[k - 1].total) {
-      const VlcScanEntry t = e[k];
-      e[k] = e[k - 1];
-      e[k - 1] = t;
-    }
+    bump_total(e, k);
   }
   return pairs;
 }
+
+}  // namespace ref
+
+namespace sse {
+
+// The coded values of all fifteen entries are computed four at a time;
+// only the entries that carry a level are then walked (in order), which
+// keeps the loop free of unpredictable branches.  Swaps move entries only
+// into slots already visited, so the positions gathered up front are the
+// visiting order.
+int vlc_scan4x4_dc(const int32_t* src, int b, int32_t* dst, int32_t* run_level, VlcState* s) {
+  s->current_scan = 2;
+  VlcScanEntry* e = s->scan[2];
+  alignas(16) int32_t c[16], out[16], lev[16];
+  int pos[16];
+  c[0] = 0;
+  pos[0] = 0;
+  for (int k = 1; k < 16; ++k) {
+    pos[k] = e[k].position & 15;
+    c[k] = src[pos[k]];
+  }
+  const __m128i m = _mm_set1_epi32(static_cast<int32_t>((1u << b) - 1u));
+  const __m128i m1 = _mm_set1_epi32(static_cast<int32_t>(1u << b));
+  const __m128i sh = _mm_cvtsi32_si128(b);
+  uint32_t levels = 0;
+  for (int q = 0; q < 4; ++q) {
+    const __m128i v = _mm_load_si128(reinterpret_cast<const __m128i*>(c + 4 * q));
+    const __m128i neg = _mm_srai_epi32(v, 31);
+    const __m128i mag = _mm_abs_epi32(v);  // |INT32_MIN| reads as 2^31 unsigned
+    const __m128i big = _mm_cmpeq_epi32(_mm_max_epu32(mag, m1), mag);  // mag > m
+    const __m128i zero = _mm_cmpeq_epi32(v, _mm_setzero_si128());
+    const __m128i small = _mm_andnot_si128(
+        zero, _mm_sub_epi32(_mm_add_epi32(_mm_slli_epi32(mag, 2), _mm_set1_epi32(1)), _mm_add_epi32(neg, neg)));
+    const __m128i coded = _mm_add_epi32(_mm_and_si128(mag, m), _mm_and_si128(mag, m));
+    _mm_store_si128(reinterpret_cast<__m128i*>(out + 4 * q), _mm_blendv_epi8(small, coded, big));
+    const __m128i lv = _mm_srl_epi32(mag, sh);
+    _mm_store_si128(reinterpret_cast<__m128i*>(lev + 4 * q), _mm_sub_epi32(_mm_xor_si128(lv, neg), neg));
+    levels |= static_cast<uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(big))) << (4 * q);
+  }
+  levels &= 0xfffeu;  // entry 0 is never visited
+  for (int k = 1; k < 16; ++k) dst[pos[k]] = out[k];
+  int pairs = 0, last = 0;
+  while (levels) {
+    const int k = __builtin_ctz(levels);
+    levels &= levels - 1;
+    run_level[2 * pairs] = k - last - 1;
+    run_level[2 * pairs + 1] = lev[k];
+    ++pairs;
+    last = k;
+    bump_total(e, k);
+  }
+  return pairs;
+}
+
+}  // namespace sse
 
 }  // namespace vpr::jxr
 
@@ -356,7 +427,7 @@ VprStatus vpriVLCScan4x4DC_JPEGXR_32s(const Vpr32s* pSrc, int modelBits, Vpr32s*
                                       int* pNumPairs, void* pState) {
   if (!pSrc || !pDst || !pRunLevel || !pNumPairs || !pState) return vprStatusNullPointer;
   if (modelBits < 0 || modelBits > 15) return vprStatusOutOfRange;
-  *pNumPairs = vpr::jxr::vlc_scan4x4_dc(pSrc, modelBits, pDst, pRunLevel, static_cast<VlcState*>(pState));
+  *pNumPairs = vpr::jxr::sse::vlc_scan4x4_dc(pSrc, modelBits, pDst, pRunLevel, static_cast<VlcState*>(pState));
   return vprStatusOk;
 }
 

@@ -92,6 +92,14 @@ void vlc_init(VlcState* s);
 void vlc_adapt_table(VlcState* s, int table);
 void vlc_adapt_group(VlcState* s, int group);
 void vlc_scan_reset(VlcState* s, int scan);
+
+// DC-band scan of one block (returns the pair count): the scalar twin and
+// the SSE kernel the entry calls.
+namespace ref {
 int vlc_scan4x4_dc(const int32_t* src, int model_bits, int32_t* dst, int32_t* run_level, VlcState* s);
+}
+namespace sse {
+int vlc_scan4x4_dc(const int32_t* src, int model_bits, int32_t* dst, int32_t* run_level, VlcState* s);
+}
 
 }  // namespace vpr::jxr

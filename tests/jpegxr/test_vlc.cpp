@@ -634,4 +634,42 @@ TEST(VlcScan, AdaptsOverManyBlocks) {
   expect_state_matches(s, 1, untouched1);
 }
 
+// The SSE scan against its scalar twin: same outputs, same pairs, same
+// state bytes after every block; nothing written past the pair count.
+TEST(VlcScan, SseMatchesScalarTwin) {
+  vprtest::Rng rng(77);
+  StateMem a, b;
+  vpriVLCInit_JPEGXR(a.bytes);
+  for (int k = 0; k < 3; ++k) vpriVLCScanReset_JPEGXR(a.bytes, k);
+  b = a;
+  for (int blk = 0; blk < 3000; ++blk) {
+    const int bits = static_cast<int>(rng.uniform(0, 15));
+    int32_t src[16];
+    const int density = static_cast<int>(rng.uniform(0, 100));
+    for (int i = 0; i < 16; ++i) {
+      const int64_t pick = rng.uniform(0, 99);
+      src[i] = pick >= density ? 0
+               : pick % 11 == 0 ? (rng.coin() ? INT32_MIN : INT32_MAX)
+                                : static_cast<int32_t>(rng.uniform(-(1 << 20), 1 << 20)) >> rng.uniform(0, 20);
+    }
+    if (blk % 500 == 0) {  // totals near the sentinel and equal neighbours
+      a.s()->scan[2][1].total = b.s()->scan[2][1].total = 32767;
+      a.s()->scan[2][3].total = b.s()->scan[2][3].total = a.s()->scan[2][2].total;
+    }
+    int32_t da[16], db[16], ra[32], rb[32];
+    std::fill(std::begin(da), std::end(da), 0x1234);
+    std::fill(std::begin(db), std::end(db), 0x1234);
+    std::fill(std::begin(ra), std::end(ra), -777);
+    std::fill(std::begin(rb), std::end(rb), -777);
+    const int na = ref::vlc_scan4x4_dc(src, bits, da, ra, a.s());
+    const int nb = sse::vlc_scan4x4_dc(src, bits, db, rb, b.s());
+    ASSERT_EQ(na, nb) << blk;
+    ASSERT_TRUE(vprtest::same_array(da, db, 16)) << blk;
+    ASSERT_TRUE(vprtest::same_array(ra, rb, 32)) << blk;
+    for (int i = 2 * nb; i < 32; ++i) ASSERT_EQ(rb[i], -777) << blk;
+    ASSERT_EQ(da[0], 0x1234);
+    ASSERT_EQ(std::memcmp(a.bytes, b.bytes, sizeof a.bytes), 0) << blk;
+  }
+}
+
 }  // namespace
