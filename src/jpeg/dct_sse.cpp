@@ -21,8 +21,9 @@ inline __m128i load_tab(const int16_t* t) { return _mm_load_si128(reinterpret_ca
 
 // Row pass of one row: (x0..x7) -> 8 values, 16-bit saturated.
 inline __m128i idct_row(__m128i x, const int16_t* t, int32_t rnd) {
-  const __m128i xe = _mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0x88), 0x88);  // x0 x2 x0 x2 x4 x6 x4 x6
-  const __m128i xo = _mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0xDD), 0xDD);  // x1 x3 x1 x3 x5 x7 x5 x7
+  const __m128i xe = _mm_shuffle_epi8(x, _mm_setr_epi8(0, 1, 4, 5, 0, 1, 4, 5, 8, 9, 12, 13, 8, 9, 12, 13));
+  const __m128i xo = _mm_shuffle_epi8(x, _mm_setr_epi8(2, 3, 6, 7, 2, 3, 6, 7, 10, 11, 14, 15, 10, 11, 14, 15));
+  // xe = x0 x2 x0 x2 x4 x6 x4 x6, xo = x1 x3 x1 x3 x5 x7 x5 x7
   __m128i e = _mm_add_epi32(_mm_madd_epi16(xe, load_tab(t)),
                             _mm_shuffle_epi32(_mm_madd_epi16(xe, load_tab(t + 8)), 0x4E));
   const __m128i o = _mm_add_epi32(_mm_madd_epi16(xo, load_tab(t + 16)),
@@ -140,7 +141,7 @@ inline void fdct_cols(__m128i* x) {
 
 // Row pass of one row with table t.
 inline __m128i fdct_row(__m128i x, const int16_t* t) {
-  const __m128i rev = _mm_shuffle_epi32(_mm_shufflehi_epi16(_mm_shufflelo_epi16(x, 0x1B), 0x1B), 0x4E);
+  const __m128i rev = _mm_shuffle_epi8(x, _mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1));
   const __m128i s = adds(x, rev), d = subs(x, rev);
   const __m128i p = _mm_unpacklo_epi32(s, d);  // s0 s1 d0 d1 s2 s3 d2 d3
   const __m128i q = _mm_shuffle_epi32(p, 0x4E);  // s2 s3 d2 d3 s0 s1 d0 d1
@@ -291,18 +292,18 @@ void dct_quant_inv_8x8_ls_16s16u(const int16_t* src, uint16_t* dst, int dst_step
 }
 
 void dct_quant_inv_8x8_ls_1x1_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  // Row 0 holds one value in every column; rows 1..7 their rounders.  All
-  // columns are alike: one scalar column, then eight filled rows.
-  const int32_t d = static_cast<int16_t>(static_cast<uint16_t>(static_cast<uint32_t>(int32_t{src[0]} * inv[0])));
-  int32_t r0 = (d * 16384 + round_i[0]) >> 11;
-  r0 = r0 < -32768 ? -32768 : r0 > 32767 ? 32767 : r0;
-  int16_t col[8], out[8];
-  col[0] = static_cast<int16_t>(r0);
-  for (int r = 1; r < 8; ++r) col[r] = static_cast<int16_t>(round_i[r] >> 11);
-  ref::idct_col(col, out);
-  const __m128i k128 = _mm_set1_epi16(128);
-  const __m128i y = _mm_packus_epi16(adds(_mm_loadu_si128(reinterpret_cast<const __m128i*>(out)), k128), k128);
-  for (int r = 0; r < 8; ++r) store8(dst + r * dst_step, _mm_shuffle_epi8(y, _mm_set1_epi8(static_cast<char>(r))));
+  // Row 0 holds one value in every column (16384 * d + rounder, >> 11), the
+  // other rows their rounders; only the column pass remains.
+  const __m128i d = _mm_mullo_epi16(load4(src), load4(inv));
+  const __m128i r0 = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(d, _mm_setr_epi16(16384, 0, 0, 0, 0, 0, 0, 0)),
+                                                  _mm_set1_epi32(round_i[0])),
+                                    11);
+  __m128i x[8];
+  x[0] = _mm_shuffle_epi32(_mm_packs_epi32(r0, r0), 0x00);
+  x[0] = _mm_shufflelo_epi16(_mm_shufflehi_epi16(x[0], 0x00), 0x00);
+  for (int r = 1; r < 8; ++r) x[r] = zero_row(r);
+  idct_cols<false>(x);
+  store_ls_rows(x, dst, dst_step);
 }
 
 void dct_quant_inv_8x8_ls_2x2_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
