@@ -350,29 +350,6 @@ int32_t decEncoderMQTerminate(MqEncoder* e, uint8_t* pDst, int32_t* pLen) {
 // Decoder
 // ======================================================================
 
-void ownpj_DecoderByteIn(MqDecoder* d) {
-  d->CT = 8;
-  if (d->marker) return;  // feed 1-bits: nothing enters the complement
-  const int32_t pos = d->pos;
-  if (pos + 1 >= d->len) {  // no byte after the current one
-    d->marker = 1;
-    return;
-  }
-  const uint32_t b1 = d->data[pos + 1];
-  if (d->data[pos] == 0xFF) {
-    if (b1 > 0x8F) {  // a marker: nothing is consumed
-      d->marker = 1;
-      return;
-    }
-    d->pos = pos + 1;
-    d->C += 0xFE00u - (b1 << 9);
-    d->CT = 7;
-  } else {
-    d->pos = pos + 1;
-    d->C += 0xFF00u - (b1 << 8);
-  }
-}
-
 void mq_decoder_restart(MqDecoder* d, const uint8_t* data, int32_t len) {
   d->data = data;
   d->len = len > 0 ? len : 0;

@@ -171,8 +171,34 @@ void mq_decoder_init(MqDecoder* d, const uint8_t* data, int32_t len);
 // INITDEC on a new code-word, keeping the contexts.
 void mq_decoder_restart(MqDecoder* d, const uint8_t* data, int32_t len);
 
-// BYTEIN on the complemented register (the slow path of renormalisation).
-void ownpj_DecoderByteIn(MqDecoder* d);
+// BYTEIN on the complemented register, with b the byte most recently
+// entered and b1 the next one: 0xFF then b1 > 0x8F is a marker (nothing is
+// consumed); 0xFF then b1 <= 0x8F enters b1's seven bits (CT = 7); any
+// other b enters b1 (CT = 8).  No b1 (the end of the data) counts as a
+// marker.  From a marker on, only 1-bits are fed: the complement gains
+// nothing.
+inline void ownpj_DecoderByteIn(MqDecoder* d) {
+  d->CT = 8;
+  if (d->marker) return;
+  const int32_t pos = d->pos;
+  if (pos + 1 >= d->len) {
+    d->marker = 1;
+    return;
+  }
+  const uint32_t b1 = d->data[pos + 1];
+  if (d->data[pos] == 0xFF) {
+    if (b1 > 0x8F) {
+      d->marker = 1;
+      return;
+    }
+    d->pos = pos + 1;
+    d->C += 0xFE00u - (b1 << 9);
+    d->CT = 7;
+  } else {
+    d->pos = pos + 1;
+    d->C += 0xFF00u - (b1 << 8);
+  }
+}
 
 // One DECODE (ISO/IEC 15444-1 C.3.2) in context cx: returns the decision
 // (0 or 1) and updates the context, with renormalisation and byte input.
