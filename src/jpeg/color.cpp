@@ -234,6 +234,12 @@ void ycbcr_to_rgb_q16_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr
   }
 }
 
+void ycbcr411_to_rgb_q16_rows(const uint8_t* y0, const uint8_t* y1, const uint8_t* cb, const uint8_t* cr,
+                              uint8_t* d0, uint8_t* d1, int width, int channels, bool bgr, uint8_t alpha) {
+  ycbcr_to_rgb_q16_row(y0, cb, cr, d0, width, 2, channels, bgr, alpha);
+  ycbcr_to_rgb_q16_row(y1, cb, cr, d1, width, 2, channels, bgr, alpha);
+}
+
 void ycbcr422_c2_to_rgb_tbl_row(const uint8_t* src, uint8_t* dst, int width) {
   for (int j = 0; j < width / 2; ++j) {
     const uint8_t* s = src + 4 * j;
@@ -394,12 +400,19 @@ VprStatus inv_sampled(const Vpr8u* const pSrc[3], const int* srcStep, Vpr8u* pDs
       check_sampled(planes_ok(reinterpret_cast<const void* const*>(pSrc)) && srcStep && pDst, roi, v2);
   if (st != vprStatusOk) return st;
   const int w = roi.width & ~1;
-  const int rows = v2 ? roi.height & ~1 : roi.height;
-  for (int y = 0; y < rows; ++y) {
-    const int cy = v2 ? y >> 1 : y;
-    sse::ycbcr_to_rgb_q16_row(row_ptr(pSrc[0], srcStep[0], y), row_ptr(pSrc[1], srcStep[1], cy),
-                              row_ptr(pSrc[2], srcStep[2], cy), row_ptr(pDst, dstStep, y), w, 2, channels, bgr,
-                              alpha);
+  if (v2) {
+    for (int r = 0; r < roi.height / 2; ++r) {
+      const Vpr8u* y0 = row_ptr(pSrc[0], srcStep[0], 2 * r);
+      Vpr8u* d0 = row_ptr(pDst, dstStep, 2 * r);
+      sse::ycbcr411_to_rgb_q16_rows(y0, row_ptr(y0, srcStep[0], 1), row_ptr(pSrc[1], srcStep[1], r),
+                                    row_ptr(pSrc[2], srcStep[2], r), d0, row_ptr(d0, dstStep, 1), w, channels, bgr,
+                                    alpha);
+    }
+  } else {
+    for (int y = 0; y < roi.height; ++y)
+      sse::ycbcr_to_rgb_q16_row(row_ptr(pSrc[0], srcStep[0], y), row_ptr(pSrc[1], srcStep[1], y),
+                                row_ptr(pSrc[2], srcStep[2], y), row_ptr(pDst, dstStep, y), w, 2, channels, bgr,
+                                alpha);
   }
   return odd_status(roi, v2);
 }

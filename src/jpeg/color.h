@@ -65,6 +65,9 @@ inline void ycbcr_to_rgb_tbl_pixel(int y, int cb, int cr, uint8_t* dst, int ri, 
      even) resolution, 3 or 4 output channels (the fourth = alpha). */                                        \
   void ycbcr_to_rgb_q16_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, int width,  \
                             int hsub, int channels, bool bgr, uint8_t alpha);                                 \
+  /* Family F, 2x2: two Y rows and two output rows share one chroma row. */                                  \
+  void ycbcr411_to_rgb_q16_rows(const uint8_t* y0, const uint8_t* y1, const uint8_t* cb, const uint8_t* cr,   \
+                                uint8_t* d0, uint8_t* d1, int width, int channels, bool bgr, uint8_t alpha);  \
   /* Family G: Y0 Cb Y1 Cr groups -> RGB; `width` even. */                                                   \
   void ycbcr422_c2_to_rgb_tbl_row(const uint8_t* src, uint8_t* dst, int width);
 

@@ -273,42 +273,44 @@ void a_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
 // ------------------------------------------------------------------ Q16 luminance (families B, C, D)
 
 // Y = (19595 R + 38470 G + 7471 B + 32768) >> 16 on 8 pixels of 16-bit
-// lanes; 38470 G = 65536 G - 27066 G, the 65536 G taken from the high half
-// of the (R, G) lane; the bias comes from (B, 2) * (7471, 16384).
+// lanes.  38470 G = 65536 G - 27066 G and 65536 G leaves the shift whole:
+// Y = G + ((19595 R - 27066 G + 7471 B + 32768) >> 16); the bias comes from
+// (B, 2) * (7471, 16384).
 inline __m128i y_q16_32(__m128i rg, __m128i b2) {
-  return _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(19595, -27066)), _mm_and_si128(rg, hi_mask())),
-                                      _mm_madd_epi16(b2, pair(7471, 16384))),
+  return _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(19595, -27066)), _mm_madd_epi16(b2, pair(7471, 16384))),
                         16);
 }
 inline __m128i y_q16(__m128i r16, __m128i g16, __m128i b16) {
   const __m128i two = _mm_set1_epi16(2);
-  return _mm_packs_epi32(y_q16_32(_mm_unpacklo_epi16(r16, g16), _mm_unpacklo_epi16(b16, two)),
-                         y_q16_32(_mm_unpackhi_epi16(r16, g16), _mm_unpackhi_epi16(b16, two)));
+  return _mm_add_epi16(g16, _mm_packs_epi32(y_q16_32(_mm_unpacklo_epi16(r16, g16), _mm_unpacklo_epi16(b16, two)),
+                                            y_q16_32(_mm_unpackhi_epi16(r16, g16), _mm_unpackhi_epi16(b16, two))));
 }
 // 16 pixels of byte planes -> 16 Y bytes.
 inline __m128i y_q16_16(__m128i r, __m128i g, __m128i b) {
   return pack_u8(y_q16(lo16(r), lo16(g), lo16(b)), y_q16(hi16(r), hi16(g), hi16(b)));
 }
 
-// Low-byte chroma of families C and D on 8 lanes of channel sums (16-bit):
+// Low-byte chroma of families C and D on 8 lanes of channel sums (16-bit),
+// K = -16384 * KC:
 //   Cb = lo8((32768 SB - 21709 SG - 11059 SR + K) >> S)
 //   Cr = lo8((32768 SR - 27439 SG -  5329 SB + K) >> S)
-// 32768 S = (S << 16) >> 1.  Returns 8 lanes of 16 bits (0..255).
-template <int S, int K>
+// 32768 SB + K = (2 SB, KC) * (16384, 16384).  Returns the 8 bytes in the
+// low half of each result.
+template <int S, int KC>
 inline void chroma_lo8(__m128i sr, __m128i sg, __m128i sb, __m128i* cb, __m128i* cr) {
-  const __m128i k = _mm_set1_epi32(K), m = _mm_set1_epi32(255);
-  auto cbh = [&](__m128i rg, __m128i b_hi) {
-    return _mm_and_si128(
-        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(-11059, -21709)), _mm_srli_epi32(b_hi, 1)), k), S),
-        m);
+  const __m128i kc = _mm_set1_epi16(KC), w2 = pair(16384, 16384);
+  const __m128i sr2 = _mm_unpacklo_epi16(_mm_add_epi16(sr, sr), kc), sr2h = _mm_unpackhi_epi16(_mm_add_epi16(sr, sr), kc);
+  const __m128i sb2 = _mm_unpacklo_epi16(_mm_add_epi16(sb, sb), kc), sb2h = _mm_unpackhi_epi16(_mm_add_epi16(sb, sb), kc);
+  const __m128i lo_bytes = _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
+  const __m128i hi_bytes = _mm_setr_epi8(-1, -1, -1, -1, 0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1);
+  auto low8 = [&](__m128i a, __m128i b) {
+    return _mm_or_si128(_mm_shuffle_epi8(_mm_srai_epi32(a, S), lo_bytes), _mm_shuffle_epi8(_mm_srai_epi32(b, S), hi_bytes));
   };
-  auto crh = [&](__m128i gb, __m128i r_hi) {
-    return _mm_and_si128(
-        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(gb, pair(-27439, -5329)), _mm_srli_epi32(r_hi, 1)), k), S),
-        m);
-  };
-  *cb = _mm_packs_epi32(cbh(_mm_unpacklo_epi16(sr, sg), shl16_lo(sb)), cbh(_mm_unpackhi_epi16(sr, sg), shl16_hi(sb)));
-  *cr = _mm_packs_epi32(crh(_mm_unpacklo_epi16(sg, sb), shl16_lo(sr)), crh(_mm_unpackhi_epi16(sg, sb), shl16_hi(sr)));
+  const __m128i wcb = pair(-11059, -21709), wcr = pair(-27439, -5329);
+  *cb = low8(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(sr, sg), wcb), _mm_madd_epi16(sb2, w2)),
+             _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(sr, sg), wcb), _mm_madd_epi16(sb2h, w2)));
+  *cr = low8(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(sg, sb), wcr), _mm_madd_epi16(sr2, w2)),
+             _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(sg, sb), wcr), _mm_madd_epi16(sr2h, w2)));
 }
 
 // ------------------------------------------------------------------ family B
@@ -336,48 +338,65 @@ inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i* r, __m128i* g,
     return _mm_packs_epi32(_mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(pl, w), k), 14),
                            _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(ph, w), k), 14));
   };
-  *r = _mm_add_epi16(y16, term(pair(0, 22970), -2932015));
-  *b = _mm_add_epi16(y16, term(pair(29032, 0), -3708561));
+  // (22970 Cr - 2932015) >> 14 == mulhi_u16(4 Cr + 3, 22969) - 180 for every
+  // Cr in 0..255 (checked over all values).
+  *r = _mm_add_epi16(y16, _mm_add_epi16(_mm_mulhi_epu16(_mm_add_epi16(_mm_slli_epi16(cr16, 2), _mm_set1_epi16(3)),
+                                                        _mm_set1_epi16(22969)),
+                                        _mm_set1_epi16(-180)));
+  // (29032 Cb - 3708561) >> 14 == mulhrs(8 (Cb - 128) - 3, 11354) - (Cb - 128) + 1.
+  const __m128i cbd = _mm_sub_epi16(cb16, _mm_set1_epi16(128));
+  *b = _mm_add_epi16(_mm_sub_epi16(y16, cbd),
+                     _mm_add_epi16(_mm_mulhrs_epi16(_mm_sub_epi16(_mm_slli_epi16(cbd, 3), _mm_set1_epi16(3)),
+                                                    _mm_set1_epi16(11354)),
+                                   _mm_set1_epi16(1)));
   if (kPlanarG)
     *g = _mm_sub_epi16(y16, term(pair(5638, 11700), -2211182));
   else
     *g = _mm_add_epi16(y16, term(pair(-5638, -11700), 2227566));
 }
 
-// Family F on 8 pixels: 65536 Y + 91880 Cr = 65536 (Y + Cr) + 26344 Cr,
-// 65536 Y - 46801 Cr = 65536 (Y - Cr) + 18735 Cr, 65536 Y + 116128 Cb =
-// 65536 (Y + 2 Cb) - 14944 Cb.
-inline void f_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i* r, __m128i* g, __m128i* b) {
-  const __m128i pl = _mm_unpacklo_epi16(cb16, cr16), ph = _mm_unpackhi_epi16(cb16, cr16);  // (Cb, Cr)
-  auto term = [&](__m128i w, __m128i hi16, int32_t bias) {
-    const __m128i k = _mm_set1_epi32(bias);
-    return _mm_packs_epi32(
-        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(pl, w), shl16_lo(hi16)), k), 16),
-        _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(ph, w), shl16_hi(hi16)), k), 16));
-  };
-  *r = term(pair(0, 26344), _mm_add_epi16(y16, cr16), -11727880);
-  *g = term(pair(-22553, 18735), _mm_sub_epi16(y16, cr16), 8910128);
-  *b = term(pair(-14944, 0), _mm_add_epi16(y16, _mm_add_epi16(cb16, cb16)), -14831618);
+// Family F: 65536 Y is a multiple of 65536, so (65536 Y + X) >> 16 =
+// Y + (X >> 16); the chroma terms X >> 16 are formed once per chroma sample
+// (8 samples, 16-bit lanes) and added to every Y that shares them.
+inline void f_terms(__m128i cb16, __m128i cr16, __m128i* tr, __m128i* tg, __m128i* tb) {
+  // Single-variable terms in 16-bit lanes, equal for every sample value:
+  //   (91880 Cr - 11727880) >> 16 == mulhrs(4 (Cr - 128), 27869) - 2 (Cr - 128)
+  //   (116128 Cb - 14831618) >> 16 == mulhrs(4 (Cb - 128), 30899) - 2 (Cb - 128)
+  const __m128i off = _mm_set1_epi16(128);
+  const __m128i crd = _mm_sub_epi16(cr16, off), cbd = _mm_sub_epi16(cb16, off);
+  *tr = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(crd, 2), _mm_set1_epi16(27869)), _mm_add_epi16(crd, crd));
+  *tb = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(cbd, 2), _mm_set1_epi16(30899)), _mm_add_epi16(cbd, cbd));
+  // G in 32 bits: (Cb, Cr) * (-22553, 18735) - 65536 Cr + 8910128.
+  const __m128i p[2] = {_mm_unpacklo_epi16(cb16, cr16), _mm_unpackhi_epi16(cb16, cr16)};
+  const __m128i kg = _mm_set1_epi32(8910128);
+  __m128i g[2];
+  for (int h = 0; h < 2; ++h)
+    g[h] = _mm_srai_epi32(
+        _mm_add_epi32(_mm_sub_epi32(_mm_madd_epi16(p[h], pair(-22553, 18735)), _mm_and_si128(p[h], hi_mask())), kg),
+        16);
+  *tg = _mm_packs_epi32(g[0], g[1]);
 }
 
 // Method G on 8 chroma pairs (16-bit lanes, unbiased) -> 8 lanes of each
 // term: cr_r_tbl = (91881 d + 32768) >> 16, cb_b_tbl = (116130 d + 32768)
 // >> 16, (cb_g_tbl + cr_g_tbl) >> 16, computed exactly.
 inline void g_terms(__m128i cb16, __m128i cr16, __m128i* tr, __m128i* tg, __m128i* tb) {
-  const __m128i off = _mm_set1_epi16(128), half = _mm_set1_epi32(32768);
+  // cr_r_tbl[c] == mulhrs(4 (c - 128), 27869) - 2 (c - 128);
+  // cb_b_tbl[c] == mulhrs(2 (c - 128), 29033)   (every c in 0..255).
+  const __m128i off = _mm_set1_epi16(128);
   const __m128i dcb = _mm_sub_epi16(cb16, off), dcr = _mm_sub_epi16(cr16, off);
+  *tr = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(dcr, 2), _mm_set1_epi16(27869)), _mm_add_epi16(dcr, dcr));
+  *tb = _mm_mulhrs_epi16(_mm_add_epi16(dcb, dcb), _mm_set1_epi16(29033));
+  // (cb_g_tbl + cr_g_tbl) >> 16 = (-22554 dCb - 46802 dCr + 32768) >> 16,
+  // -46802 dCr = -65536 dCr + 18734 dCr.
   const __m128i p[2] = {_mm_unpacklo_epi16(dcb, dcr), _mm_unpackhi_epi16(dcb, dcr)};  // (dCb, dCr)
-  __m128i r[2], g[2], b[2];
-  for (int h = 0; h < 2; ++h) {
-    const __m128i crhi = _mm_and_si128(p[h], hi_mask());  // 65536 dCr
-    r[h] = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(p[h], pair(0, 26345)), crhi), half), 16);
-    g[h] = _mm_srai_epi32(_mm_add_epi32(_mm_sub_epi32(_mm_madd_epi16(p[h], pair(-22554, 18734)), crhi), half), 16);
-    b[h] = _mm_srai_epi32(
-        _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(p[h], pair(-14942, 0)), _mm_slli_epi32(p[h], 17)), half), 16);
-  }
-  *tr = _mm_packs_epi32(r[0], r[1]);
+  const __m128i half = _mm_set1_epi32(32768);
+  __m128i g[2];
+  for (int h = 0; h < 2; ++h)
+    g[h] = _mm_srai_epi32(
+        _mm_add_epi32(_mm_sub_epi32(_mm_madd_epi16(p[h], pair(-22554, 18734)), _mm_and_si128(p[h], hi_mask())), half),
+        16);
   *tg = _mm_packs_epi32(g[0], g[1]);
-  *tb = _mm_packs_epi32(b[0], b[1]);
 }
 
 // Shared driver for 3-plane -> interleaved-C3 inverse rows of 16/8/4 pixels.
@@ -422,15 +441,12 @@ void e_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* d, i
 }
 
 // Family F rows: HSUB 1 (full-resolution chroma) or 2 (one chroma sample
-// for two pixels), CH 3 or 4 output bytes per pixel.
-template <int HSUB, int CH, int RI>
-void f_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* d, int width, uint8_t alpha) {
+// for two pixels), CH 3 or 4 output bytes per pixel, ROWS 1 or 2 rows of Y
+// sharing one chroma row.
+template <int HSUB, int CH, int RI, int ROWS>
+void f_rows(const uint8_t* const* yr, const uint8_t* cb, const uint8_t* cr, uint8_t* const* dr, int width,
+            uint8_t alpha) {
   const __m128i a = _mm_set1_epi8(static_cast<char>(alpha));
-  auto chroma = [&](const uint8_t* c, int x, int px) {
-    if (HSUB == 1) return px == 16 ? load16(c + x) : load8(c + x);
-    const __m128i v = px == 16 ? load8(c + x / 2) : load4(c + x / 2);
-    return _mm_unpacklo_epi8(v, v);
-  };
   auto out = [&](uint8_t* dst, __m128i r, __m128i g, __m128i b, int px) {
     const __m128i c0 = RI == 0 ? r : b, c2 = RI == 0 ? b : r;
     if (CH == 3)
@@ -438,22 +454,49 @@ void f_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* d, i
     else
       store_c4(dst, c0, g, c2, a, px);
   };
+  // t[c][0..1]: terms of pixels 0-7 and 8-15 of the step.
+  auto emit = [&](int x, __m128i t[3][2], int px) {
+    for (int k = 0; k < ROWS; ++k) {
+      const __m128i Y = px == 16 ? load16(yr[k] + x) : load8(yr[k] + x);
+      const __m128i y0 = lo16(Y), y1 = hi16(Y);
+      __m128i c[3];
+      for (int ch = 0; ch < 3; ++ch) c[ch] = pack_u8(_mm_add_epi16(y0, t[ch][0]), _mm_add_epi16(y1, t[ch][1]));
+      out(dr[k] + CH * x, c[0], c[1], c[2], px);
+    }
+  };
   int x = 0;
+  __m128i t[3][2];
   for (; x + 16 <= width; x += 16) {
-    const __m128i Y = load16(y + x), CB = chroma(cb, x, 16), CR = chroma(cr, x, 16);
-    __m128i r0, g0, b0, r1, g1, b1;
-    f_8(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
-    f_8(hi16(Y), hi16(CB), hi16(CR), &r1, &g1, &b1);
-    out(d + CH * x, pack_u8(r0, r1), pack_u8(g0, g1), pack_u8(b0, b1), 16);
+    if (HSUB == 1) {
+      const __m128i CB = load16(cb + x), CR = load16(cr + x);
+      f_terms(lo16(CB), lo16(CR), &t[0][0], &t[1][0], &t[2][0]);
+      f_terms(hi16(CB), hi16(CR), &t[0][1], &t[1][1], &t[2][1]);
+    } else {
+      __m128i u[3];
+      f_terms(lo16(load8(cb + x / 2)), lo16(load8(cr + x / 2)), &u[0], &u[1], &u[2]);
+      for (int ch = 0; ch < 3; ++ch) {
+        t[ch][0] = _mm_unpacklo_epi16(u[ch], u[ch]);
+        t[ch][1] = _mm_unpackhi_epi16(u[ch], u[ch]);
+      }
+    }
+    emit(x, t, 16);
   }
   if (x + 8 <= width) {
-    __m128i r0, g0, b0;
-    f_8(lo16(load8(y + x)), lo16(chroma(cb, x, 8)), lo16(chroma(cr, x, 8)), &r0, &g0, &b0);
-    out(d + CH * x, pack_u8(r0, r0), pack_u8(g0, g0), pack_u8(b0, b0), 8);
+    __m128i u[3];
+    if (HSUB == 1) {
+      f_terms(lo16(load8(cb + x)), lo16(load8(cr + x)), &u[0], &u[1], &u[2]);
+      for (int ch = 0; ch < 3; ++ch) t[ch][0] = t[ch][1] = u[ch];
+    } else {
+      f_terms(lo16(load4(cb + x / 2)), lo16(load4(cr + x / 2)), &u[0], &u[1], &u[2]);
+      for (int ch = 0; ch < 3; ++ch) t[ch][0] = t[ch][1] = _mm_unpacklo_epi16(u[ch], u[ch]);
+    }
+    emit(x, t, 8);
     x += 8;
   }
   if (x < width)
-    ref::ycbcr_to_rgb_q16_row(y + x, cb + x / HSUB, cr + x / HSUB, d + CH * x, width - x, HSUB, CH, RI != 0, alpha);
+    for (int k = 0; k < ROWS; ++k)
+      ref::ycbcr_to_rgb_q16_row(yr[k] + x, cb + x / HSUB, cr + x / HSUB, dr[k] + CH * x, width - x, HSUB, CH, RI != 0,
+                                alpha);
 }
 
 // ------------------------------------------------------------------ families C and D (forward, Q16)
@@ -466,16 +509,16 @@ void c_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
       __m128i r, g, b, cb0, cr0, cb1, cr1;
       load_planes<CH, RI>(s + CH * x, px, r, g, b);
       const __m128i Y = y_q16_16(r, g, b);
-      chroma_lo8<16, -8372224>(lo16(r), lo16(g), lo16(b), &cb0, &cr0);
+      chroma_lo8<16, -511>(lo16(r), lo16(g), lo16(b), &cb0, &cr0);
       if (px == 16) {
-        chroma_lo8<16, -8372224>(hi16(r), hi16(g), hi16(b), &cb1, &cr1);
+        chroma_lo8<16, -511>(hi16(r), hi16(g), hi16(b), &cb1, &cr1);
         store16(y + x, Y);
-        store16(cb + x, pack_u8(cb0, cb1));
-        store16(cr + x, pack_u8(cr0, cr1));
+        store16(cb + x, _mm_unpacklo_epi64(cb0, cb1));
+        store16(cr + x, _mm_unpacklo_epi64(cr0, cr1));
       } else {
         store8(y + x, Y);
-        store8(cb + x, pack_u8(cb0, cb0));
-        store8(cr + x, pack_u8(cr0, cr0));
+        store8(cb + x, cb0);
+        store8(cr + x, cr0);
       }
     }
   if (x < width) {
@@ -497,15 +540,15 @@ void d422_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width)
       __m128i r, g, b, c0, c1;
       load_planes<CH, RI>(s + CH * x, px, r, g, b);
       const __m128i Y = y_q16_16(r, g, b);
-      chroma_lo8<17, -16760832>(pair_sums(r), pair_sums(g), pair_sums(b), &c0, &c1);
+      chroma_lo8<17, -1023>(pair_sums(r), pair_sums(g), pair_sums(b), &c0, &c1);
       if (px == 16) {
         store16(y + x, Y);
-        store8(cb + x / 2, pack_u8(c0, c0));
-        store8(cr + x / 2, pack_u8(c1, c1));
+        store8(cb + x / 2, c0);
+        store8(cr + x / 2, c1);
       } else {
         store8(y + x, Y);
-        store4(cb + x / 2, pack_u8(c0, c0));
-        store4(cr + x / 2, pack_u8(c1, c1));
+        store4(cb + x / 2, c0);
+        store4(cr + x / 2, c1);
       }
     }
   if (x < width) ref::rgb_to_ycbcr422_q16_row(s + CH * x, y + x, cb + x / 2, cr + x / 2, width - x, CH, RI != 0);
@@ -520,19 +563,19 @@ void d411_rows(const uint8_t* s0, const uint8_t* s1, uint8_t* y0, uint8_t* y1, u
       load_planes<CH, RI>(s0 + CH * x, px, r0, g0, b0);
       load_planes<CH, RI>(s1 + CH * x, px, r1, g1, b1);
       const __m128i Y0 = y_q16_16(r0, g0, b0), Y1 = y_q16_16(r1, g1, b1);
-      chroma_lo8<18, -33521664>(_mm_add_epi16(pair_sums(r0), pair_sums(r1)),
+      chroma_lo8<18, -2046>(_mm_add_epi16(pair_sums(r0), pair_sums(r1)),
                                 _mm_add_epi16(pair_sums(g0), pair_sums(g1)),
                                 _mm_add_epi16(pair_sums(b0), pair_sums(b1)), &c0, &c1);
       if (px == 16) {
         store16(y0 + x, Y0);
         store16(y1 + x, Y1);
-        store8(cb + x / 2, pack_u8(c0, c0));
-        store8(cr + x / 2, pack_u8(c1, c1));
+        store8(cb + x / 2, c0);
+        store8(cr + x / 2, c1);
       } else {
         store8(y0 + x, Y0);
         store8(y1 + x, Y1);
-        store4(cb + x / 2, pack_u8(c0, c0));
-        store4(cr + x / 2, pack_u8(c1, c1));
+        store4(cb + x / 2, c0);
+        store4(cr + x / 2, c1);
       }
     }
   if (x < width)
@@ -682,19 +725,34 @@ void rgb_to_ycbcr411_q16_rows(const uint8_t* s0, const uint8_t* s1, uint8_t* y0,
     bgr ? d411_rows<4, 2>(s0, s1, y0, y1, cb, cr, width) : d411_rows<4, 0>(s0, s1, y0, y1, cb, cr, width);
 }
 
-void ycbcr_to_rgb_q16_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, int width, int hsub,
-                          int channels, bool bgr, uint8_t alpha) {
+namespace {
+template <int ROWS>
+void f_dispatch(const uint8_t* const* y, const uint8_t* cb, const uint8_t* cr, uint8_t* const* d, int width, int hsub,
+                int channels, bool bgr, uint8_t alpha) {
   const int sel = (hsub == 2 ? 4 : 0) + (channels == 4 ? 2 : 0) + (bgr ? 1 : 0);
   switch (sel) {
-    case 0: f_row<1, 3, 0>(y, cb, cr, dst, width, alpha); break;
-    case 1: f_row<1, 3, 2>(y, cb, cr, dst, width, alpha); break;
-    case 2: f_row<1, 4, 0>(y, cb, cr, dst, width, alpha); break;
-    case 3: f_row<1, 4, 2>(y, cb, cr, dst, width, alpha); break;
-    case 4: f_row<2, 3, 0>(y, cb, cr, dst, width, alpha); break;
-    case 5: f_row<2, 3, 2>(y, cb, cr, dst, width, alpha); break;
-    case 6: f_row<2, 4, 0>(y, cb, cr, dst, width, alpha); break;
-    default: f_row<2, 4, 2>(y, cb, cr, dst, width, alpha); break;
+    case 0: f_rows<1, 3, 0, ROWS>(y, cb, cr, d, width, alpha); break;
+    case 1: f_rows<1, 3, 2, ROWS>(y, cb, cr, d, width, alpha); break;
+    case 2: f_rows<1, 4, 0, ROWS>(y, cb, cr, d, width, alpha); break;
+    case 3: f_rows<1, 4, 2, ROWS>(y, cb, cr, d, width, alpha); break;
+    case 4: f_rows<2, 3, 0, ROWS>(y, cb, cr, d, width, alpha); break;
+    case 5: f_rows<2, 3, 2, ROWS>(y, cb, cr, d, width, alpha); break;
+    case 6: f_rows<2, 4, 0, ROWS>(y, cb, cr, d, width, alpha); break;
+    default: f_rows<2, 4, 2, ROWS>(y, cb, cr, d, width, alpha); break;
   }
+}
+}  // namespace
+
+void ycbcr_to_rgb_q16_row(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, int width, int hsub,
+                          int channels, bool bgr, uint8_t alpha) {
+  f_dispatch<1>(&y, cb, cr, &dst, width, hsub, channels, bgr, alpha);
+}
+
+void ycbcr411_to_rgb_q16_rows(const uint8_t* y0, const uint8_t* y1, const uint8_t* cb, const uint8_t* cr,
+                              uint8_t* d0, uint8_t* d1, int width, int channels, bool bgr, uint8_t alpha) {
+  const uint8_t* y[2] = {y0, y1};
+  uint8_t* d[2] = {d0, d1};
+  f_dispatch<2>(y, cb, cr, d, width, 2, channels, bgr, alpha);
 }
 
 void ycbcr422_c2_to_rgb_tbl_row(const uint8_t* src, uint8_t* dst, int width) {

@@ -581,6 +581,11 @@ std::vector<KernelCase> kernel_cases() {
                      (s ? vj::sse::ycbcr_to_rgb_q16_row : vj::ref::ycbcr_to_rgb_q16_row)(in[0], in[1], in[2], out[0], w, 2, ch, bgr, 0xC3);
                    }});
     }
+  for (int ch = 3; ch <= 4; ++ch)
+    for (int bgr = 0; bgr < 2; ++bgr)
+      v.push_back({"F 4:2:0 rows", {1, 1, -1, -1}, {ch, ch}, true, [ch, bgr](bool s, auto in, auto out, int w) {
+                     (s ? vj::sse::ycbcr411_to_rgb_q16_rows : vj::ref::ycbcr411_to_rgb_q16_rows)(in[0], in[1], in[2], in[3], out[0], out[1], w, ch, bgr, 0x5C);
+                   }});
   for (int bgr = 0; bgr < 2; ++bgr)
     v.push_back({"F full", {1, 1, 1}, {4}, false, [bgr](bool s, auto in, auto out, int w) {
                    (s ? vj::sse::ycbcr_to_rgb_q16_row : vj::ref::ycbcr_to_rgb_q16_row)(in[0], in[1], in[2], out[0], w, 1, 4, bgr, 0x3C);
