@@ -330,14 +330,20 @@ inline void b_8(__m128i r16, __m128i g16, __m128i b16, __m128i* y16, __m128i* cb
 // ------------------------------------------------------------------ families E, E', F, G (inverse)
 
 // Family E / E' on 8 pixels: 16-bit R, G, B before the final clamp.
+// Two-channel terms from (Cb, Cr) byte pairs with pmaddubsw: a weight w =
+// 256 h + l (h, l signed bytes) gives w0 Cb + w1 Cr = 256 H + L with
+// H = h0 Cb + h1 Cr and L = l0 Cb + l1 Cr, both exact in 16 bits, and
+// floor((256 H + L + 256 kh + kl) / 2^(8 + s)) = (H + kh + ((L + kl) >> 8)) >> s.
+template <int H0, int H1, int L0, int L1>
+inline void split_terms(__m128i cbcr, __m128i* h, __m128i* l) {
+  *h = _mm_maddubs_epi16(cbcr, _mm_set1_epi16(static_cast<int16_t>((H0 & 255) + H1 * 256)));
+  *l = _mm_maddubs_epi16(cbcr, _mm_set1_epi16(static_cast<int16_t>((L0 & 255) | (L1 << 8))));
+}
+
+// Family E / E' on 8 pixels: 16-bit R, G, B before the final clamp.  cbcr
+// holds the (Cb, Cr) byte pairs of the same 8 pixels.
 template <bool kPlanarG>
-inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i* r, __m128i* g, __m128i* b) {
-  const __m128i pl = _mm_unpacklo_epi16(cb16, cr16), ph = _mm_unpackhi_epi16(cb16, cr16);  // (Cb, Cr)
-  auto term = [&](__m128i w, int32_t bias) {
-    const __m128i k = _mm_set1_epi32(bias);
-    return _mm_packs_epi32(_mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(pl, w), k), 14),
-                           _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(ph, w), k), 14));
-  };
+inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i cbcr, __m128i* r, __m128i* g, __m128i* b) {
   // (22970 Cr - 2932015) >> 14 == mulhi_u16(4 Cr + 3, 22969) - 180 for every
   // Cr in 0..255 (checked over all values).
   *r = _mm_add_epi16(y16, _mm_add_epi16(_mm_mulhi_epu16(_mm_add_epi16(_mm_slli_epi16(cr16, 2), _mm_set1_epi16(3)),
@@ -349,16 +355,28 @@ inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i* r, __m128i* g,
                      _mm_add_epi16(_mm_mulhrs_epi16(_mm_sub_epi16(_mm_slli_epi16(cbd, 3), _mm_set1_epi16(3)),
                                                     _mm_set1_epi16(11354)),
                                    _mm_set1_epi16(1)));
-  if (kPlanarG)
-    *g = _mm_sub_epi16(y16, term(pair(5638, 11700), -2211182));
-  else
-    *g = _mm_add_epi16(y16, term(pair(-5638, -11700), 2227566));
+  __m128i h, l;
+  if (kPlanarG) {
+    // (5638 Cb + 11700 Cr - 2211182) >> 14: 5638 = 22*256 + 6, 11700 = 46*256 - 76,
+    // -2211182 = -8638*256 + 146.
+    split_terms<22, 46, 6, -76>(cbcr, &h, &l);
+    const __m128i t = _mm_add_epi16(_mm_add_epi16(h, _mm_set1_epi16(-8638)),
+                                    _mm_srai_epi16(_mm_add_epi16(l, _mm_set1_epi16(146)), 8));
+    *g = _mm_sub_epi16(y16, _mm_srai_epi16(t, 6));
+  } else {
+    // (-5638 Cb - 11700 Cr + 2227566) >> 14: -5638 = -22*256 - 6,
+    // -11700 = -46*256 + 76, 2227566 = 8701*256 + 110.
+    split_terms<-22, -46, -6, 76>(cbcr, &h, &l);
+    const __m128i t = _mm_add_epi16(_mm_add_epi16(h, _mm_set1_epi16(8701)),
+                                    _mm_srai_epi16(_mm_add_epi16(l, _mm_set1_epi16(110)), 8));
+    *g = _mm_add_epi16(y16, _mm_srai_epi16(t, 6));
+  }
 }
 
 // Family F: 65536 Y is a multiple of 65536, so (65536 Y + X) >> 16 =
 // Y + (X >> 16); the chroma terms X >> 16 are formed once per chroma sample
 // (8 samples, 16-bit lanes) and added to every Y that shares them.
-inline void f_terms(__m128i cb16, __m128i cr16, __m128i* tr, __m128i* tg, __m128i* tb) {
+inline void f_terms(__m128i cb16, __m128i cr16, __m128i cbcr, __m128i* tr, __m128i* tg, __m128i* tb) {
   // Single-variable terms in 16-bit lanes, equal for every sample value:
   //   (91880 Cr - 11727880) >> 16 == mulhrs(4 (Cr - 128), 27869) - 2 (Cr - 128)
   //   (116128 Cb - 14831618) >> 16 == mulhrs(4 (Cb - 128), 30899) - 2 (Cb - 128)
@@ -366,37 +384,34 @@ inline void f_terms(__m128i cb16, __m128i cr16, __m128i* tr, __m128i* tg, __m128
   const __m128i crd = _mm_sub_epi16(cr16, off), cbd = _mm_sub_epi16(cb16, off);
   *tr = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(crd, 2), _mm_set1_epi16(27869)), _mm_add_epi16(crd, crd));
   *tb = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(cbd, 2), _mm_set1_epi16(30899)), _mm_add_epi16(cbd, cbd));
-  // G in 32 bits: (Cb, Cr) * (-22553, 18735) - 65536 Cr + 8910128.
-  const __m128i p[2] = {_mm_unpacklo_epi16(cb16, cr16), _mm_unpackhi_epi16(cb16, cr16)};
-  const __m128i kg = _mm_set1_epi32(8910128);
-  __m128i g[2];
-  for (int h = 0; h < 2; ++h)
-    g[h] = _mm_srai_epi32(
-        _mm_add_epi32(_mm_sub_epi32(_mm_madd_epi16(p[h], pair(-22553, 18735)), _mm_and_si128(p[h], hi_mask())), kg),
-        16);
-  *tg = _mm_packs_epi32(g[0], g[1]);
+  // G: -46801 Cr = -65536 Cr + 18735 Cr, so the term is -Cr + (u >> 16) with
+  // u = -22553 Cb + 18735 Cr + 8910128; -22553 = -88*256 - 25,
+  // 18735 = 73*256 + 47, 8910128 = 34805*256 + 48.  The sum before the last
+  // shift lies in 12340..53467 (unsigned 16 bits).
+  __m128i h, l;
+  split_terms<-88, 73, -25, 47>(cbcr, &h, &l);
+  const __m128i v = _mm_add_epi16(_mm_add_epi16(h, _mm_set1_epi16(static_cast<int16_t>(34805))),
+                                  _mm_srai_epi16(_mm_add_epi16(l, _mm_set1_epi16(48)), 8));
+  *tg = _mm_sub_epi16(_mm_srli_epi16(v, 8), cr16);
 }
 
 // Method G on 8 chroma pairs (16-bit lanes, unbiased) -> 8 lanes of each
 // term: cr_r_tbl = (91881 d + 32768) >> 16, cb_b_tbl = (116130 d + 32768)
 // >> 16, (cb_g_tbl + cr_g_tbl) >> 16, computed exactly.
-inline void g_terms(__m128i cb16, __m128i cr16, __m128i* tr, __m128i* tg, __m128i* tb) {
+inline void g_terms(__m128i cb16, __m128i cr16, __m128i cbcr, __m128i* tr, __m128i* tg, __m128i* tb) {
   // cr_r_tbl[c] == mulhrs(4 (c - 128), 27869) - 2 (c - 128);
   // cb_b_tbl[c] == mulhrs(2 (c - 128), 29033)   (every c in 0..255).
   const __m128i off = _mm_set1_epi16(128);
   const __m128i dcb = _mm_sub_epi16(cb16, off), dcr = _mm_sub_epi16(cr16, off);
   *tr = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(dcr, 2), _mm_set1_epi16(27869)), _mm_add_epi16(dcr, dcr));
   *tb = _mm_mulhrs_epi16(_mm_add_epi16(dcb, dcb), _mm_set1_epi16(29033));
-  // (cb_g_tbl + cr_g_tbl) >> 16 = (-22554 dCb - 46802 dCr + 32768) >> 16,
-  // -46802 dCr = -65536 dCr + 18734 dCr.
-  const __m128i p[2] = {_mm_unpacklo_epi16(dcb, dcr), _mm_unpackhi_epi16(dcb, dcr)};  // (dCb, dCr)
-  const __m128i half = _mm_set1_epi32(32768);
-  __m128i g[2];
-  for (int h = 0; h < 2; ++h)
-    g[h] = _mm_srai_epi32(
-        _mm_add_epi32(_mm_sub_epi32(_mm_madd_epi16(p[h], pair(-22554, 18734)), _mm_and_si128(p[h], hi_mask())), half),
-        16);
-  *tg = _mm_packs_epi32(g[0], g[1]);
+  // (cb_g_tbl[Cb] + cr_g_tbl[Cr]) >> 16 = (-22554 Cb - 46802 Cr + 8910336) >> 16
+  // = -Cr + ((-22554 Cb + 18734 Cr + 8910336) >> 16); -22554 = -88*256 - 26,
+  // 18734 = 73*256 + 46, 8910336 = 34806*256.
+  __m128i h, l;
+  split_terms<-88, 73, -26, 46>(cbcr, &h, &l);
+  const __m128i v = _mm_add_epi16(_mm_add_epi16(h, _mm_set1_epi16(static_cast<int16_t>(34806))), _mm_srai_epi16(l, 8));
+  *tg = _mm_sub_epi16(_mm_srli_epi16(v, 8), cr16);
 }
 
 // Shared driver for 3-plane -> interleaved-C3 inverse rows of 16/8/4 pixels.
@@ -413,8 +428,8 @@ inline void p3_to_c3_rows(const uint8_t* y, const uint8_t* cb, const uint8_t* cr
   for (; x + 16 <= n; x += 16) {
     const __m128i Y = load16(y + x), CB = load16(cb + x), CR = load16(cr + x);
     __m128i r0, g0, b0, r1, g1, b1;
-    conv(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
-    conv(hi16(Y), hi16(CB), hi16(CR), &r1, &g1, &b1);
+    conv(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
+    conv(hi16(Y), hi16(CB), hi16(CR), _mm_unpackhi_epi8(CB, CR), &r1, &g1, &b1);
     out(d + 3 * x, pack_u8(r0, r1), pack_u8(g0, g1), pack_u8(b0, b1), 16);
   }
   for (int px = 8; px >= 4; px -= 4) {
@@ -422,7 +437,7 @@ inline void p3_to_c3_rows(const uint8_t* y, const uint8_t* cb, const uint8_t* cr
     const __m128i Y = px == 8 ? load8(y + x) : load4(y + x), CB = px == 8 ? load8(cb + x) : load4(cb + x),
                   CR = px == 8 ? load8(cr + x) : load4(cr + x);
     __m128i r0, g0, b0;
-    conv(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
+    conv(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
     out(d + 3 * x, pack_u8(r0, r0), pack_u8(g0, g0), pack_u8(b0, b0), px);
     x += px;
   }
@@ -469,11 +484,12 @@ void f_rows(const uint8_t* const* yr, const uint8_t* cb, const uint8_t* cr, uint
   for (; x + 16 <= width; x += 16) {
     if (HSUB == 1) {
       const __m128i CB = load16(cb + x), CR = load16(cr + x);
-      f_terms(lo16(CB), lo16(CR), &t[0][0], &t[1][0], &t[2][0]);
-      f_terms(hi16(CB), hi16(CR), &t[0][1], &t[1][1], &t[2][1]);
+      f_terms(lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &t[0][0], &t[1][0], &t[2][0]);
+      f_terms(hi16(CB), hi16(CR), _mm_unpackhi_epi8(CB, CR), &t[0][1], &t[1][1], &t[2][1]);
     } else {
       __m128i u[3];
-      f_terms(lo16(load8(cb + x / 2)), lo16(load8(cr + x / 2)), &u[0], &u[1], &u[2]);
+      const __m128i CB = load8(cb + x / 2), CR = load8(cr + x / 2);
+      f_terms(lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &u[0], &u[1], &u[2]);
       for (int ch = 0; ch < 3; ++ch) {
         t[ch][0] = _mm_unpacklo_epi16(u[ch], u[ch]);
         t[ch][1] = _mm_unpackhi_epi16(u[ch], u[ch]);
@@ -484,10 +500,12 @@ void f_rows(const uint8_t* const* yr, const uint8_t* cb, const uint8_t* cr, uint
   if (x + 8 <= width) {
     __m128i u[3];
     if (HSUB == 1) {
-      f_terms(lo16(load8(cb + x)), lo16(load8(cr + x)), &u[0], &u[1], &u[2]);
+      const __m128i CB = load8(cb + x), CR = load8(cr + x);
+      f_terms(lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &u[0], &u[1], &u[2]);
       for (int ch = 0; ch < 3; ++ch) t[ch][0] = t[ch][1] = u[ch];
     } else {
-      f_terms(lo16(load4(cb + x / 2)), lo16(load4(cr + x / 2)), &u[0], &u[1], &u[2]);
+      const __m128i CB = load4(cb + x / 2), CR = load4(cr + x / 2);
+      f_terms(lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &u[0], &u[1], &u[2]);
       for (int ch = 0; ch < 3; ++ch) t[ch][0] = t[ch][1] = _mm_unpacklo_epi16(u[ch], u[ch]);
     }
     emit(x, t, 8);
@@ -674,8 +692,8 @@ void ownpj_YCbCrToRGB_JPEG_8u_P3R_opt(const uint8_t* y, const uint8_t* cb, const
   for (; x + 16 <= n4; x += 16) {
     const __m128i Y = load16(y + x), CB = load16(cb + x), CR = load16(cr + x);
     __m128i r0, g0, b0, r1, g1, b1;
-    e_8<true>(lo16(Y), lo16(CB), lo16(CR), &r0, &g0, &b0);
-    e_8<true>(hi16(Y), hi16(CB), hi16(CR), &r1, &g1, &b1);
+    e_8<true>(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
+    e_8<true>(hi16(Y), hi16(CB), hi16(CR), _mm_unpackhi_epi8(CB, CR), &r1, &g1, &b1);
     store16(r + x, pack_u8(r0, r1));
     store16(g + x, pack_u8(g0, g1));
     store16(b + x, pack_u8(b0, b1));
@@ -683,10 +701,9 @@ void ownpj_YCbCrToRGB_JPEG_8u_P3R_opt(const uint8_t* y, const uint8_t* cb, const
   for (int px = 8; px >= 4; px -= 4) {
     if (x + px > n4) continue;
     __m128i r0, g0, b0;
-    if (px == 8)
-      e_8<true>(lo16(load8(y + x)), lo16(load8(cb + x)), lo16(load8(cr + x)), &r0, &g0, &b0);
-    else
-      e_8<true>(lo16(load4(y + x)), lo16(load4(cb + x)), lo16(load4(cr + x)), &r0, &g0, &b0);
+    const __m128i Y = px == 8 ? load8(y + x) : load4(y + x), CB = px == 8 ? load8(cb + x) : load4(cb + x),
+                  CR = px == 8 ? load8(cr + x) : load4(cr + x);
+    e_8<true>(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
     const __m128i R = pack_u8(r0, r0), G = pack_u8(g0, g0), B = pack_u8(b0, b0);
     if (px == 8) {
       store8(r + x, R);
@@ -765,7 +782,7 @@ void ycbcr422_c2_to_rgb_tbl_row(const uint8_t* src, uint8_t* dst, int width) {
       const __m128i CB = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Cb.v()), _mm_shuffle_epi8(v1, kC2CbHi.v()));
       const __m128i CR = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Cr.v()), _mm_shuffle_epi8(v1, kC2CrHi.v()));
       __m128i tr, tg, tb;
-      g_terms(lo16(CB), lo16(CR), &tr, &tg, &tb);  // one term per pixel pair
+      g_terms(lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &tr, &tg, &tb);  // one term per pixel pair
       const __m128i y0 = lo16(Y), y1 = hi16(Y);
       auto chan = [&](__m128i t) {
         return pack_u8(_mm_add_epi16(y0, _mm_unpacklo_epi16(t, t)), _mm_add_epi16(y1, _mm_unpackhi_epi16(t, t)));
