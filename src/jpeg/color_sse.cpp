@@ -52,6 +52,16 @@ constexpr Mask c3_store_mask(int k, int c) {
   }
   return m;
 }
+// The same when each channel register holds the even pixels in bytes 0-7
+// and the odd pixels in bytes 8-15.
+constexpr Mask c3_store_eo_mask(int k, int c) {
+  Mask m{};
+  for (int j = 0; j < 16; ++j) {
+    const int idx = 16 * k + j, px = idx / 3;
+    m.b[j] = static_cast<uint8_t>(idx % 3 == c ? ((px & 1) ? 8 + px / 2 : px / 2) : 0x80);
+  }
+  return m;
+}
 // Gather channel c of 16 pixels (48 bytes) from input register k.
 constexpr Mask c3_load_mask(int k, int c) {
   Mask m{};
@@ -91,6 +101,9 @@ constexpr Mask c2_mask(int first, int stride, int count, int at) {
 constexpr Mask kC3Store[3][3] = {{c3_store_mask(0, 0), c3_store_mask(0, 1), c3_store_mask(0, 2)},
                                  {c3_store_mask(1, 0), c3_store_mask(1, 1), c3_store_mask(1, 2)},
                                  {c3_store_mask(2, 0), c3_store_mask(2, 1), c3_store_mask(2, 2)}};
+constexpr Mask kC3StoreEO[3][3] = {{c3_store_eo_mask(0, 0), c3_store_eo_mask(0, 1), c3_store_eo_mask(0, 2)},
+                                   {c3_store_eo_mask(1, 0), c3_store_eo_mask(1, 1), c3_store_eo_mask(1, 2)},
+                                   {c3_store_eo_mask(2, 0), c3_store_eo_mask(2, 1), c3_store_eo_mask(2, 2)}};
 constexpr Mask kC3Load[3][3] = {{c3_load_mask(0, 0), c3_load_mask(0, 1), c3_load_mask(0, 2)},
                                 {c3_load_mask(1, 0), c3_load_mask(1, 1), c3_load_mask(1, 2)},
                                 {c3_load_mask(2, 0), c3_load_mask(2, 1), c3_load_mask(2, 2)}};
@@ -98,18 +111,39 @@ constexpr Mask kC3Load[3][3] = {{c3_load_mask(0, 0), c3_load_mask(0, 1), c3_load
 constexpr Mask kPair01 = c3_pair_mask(0, 1), kPair21 = c3_pair_mask(2, 1);
 constexpr Mask kPair0 = c3_pair_mask(0, -1), kPair2 = c3_pair_mask(2, -1);
 constexpr Mask kC4Gather = c4_gather_mask();
-constexpr Mask kC2Y = c2_mask(0, 2, 8, 0), kC2Cb = c2_mask(1, 4, 4, 0), kC2Cr = c2_mask(3, 4, 4, 0);
-constexpr Mask kC2CbHi = c2_mask(1, 4, 4, 4), kC2CrHi = c2_mask(3, 4, 4, 4), kC2YHi = c2_mask(0, 2, 8, 8);
-
-// Three byte planes a, b, c (16 pixels) -> 48 interleaved bytes in o[3].
-inline void interleave3(__m128i a, __m128i b, __m128i c, __m128i o[3]) {
-  for (int k = 0; k < 3; ++k)
-    o[k] = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(a, kC3Store[k][0].v()), _mm_shuffle_epi8(b, kC3Store[k][1].v())),
-                        _mm_shuffle_epi8(c, kC3Store[k][2].v()));
+// C2 groups (Y0 Cb Y1 Cr) of one register -> 16-bit lanes `at`..`at` + 3
+// of byte `first` of each group (zero-extended), or of the (Cb, Cr) pairs.
+constexpr Mask c2_lane_mask(int first, int at) {
+  Mask m{};
+  for (int j = 0; j < 16; ++j) m.b[j] = 0x80;
+  for (int g = 0; g < 4; ++g) m.b[2 * (at + g)] = static_cast<uint8_t>(4 * g + first);
+  return m;
 }
+constexpr Mask c2_pair_mask(int at) {
+  Mask m{};
+  for (int j = 0; j < 16; ++j) m.b[j] = 0x80;
+  for (int g = 0; g < 4; ++g) {
+    m.b[2 * (at + g)] = static_cast<uint8_t>(4 * g + 1);
+    m.b[2 * (at + g) + 1] = static_cast<uint8_t>(4 * g + 3);
+  }
+  return m;
+}
+constexpr Mask kC2Y0[2] = {c2_lane_mask(0, 0), c2_lane_mask(0, 4)}, kC2Y1[2] = {c2_lane_mask(2, 0), c2_lane_mask(2, 4)};
+constexpr Mask kC2CbCr[2] = {c2_pair_mask(0), c2_pair_mask(4)};
+
+// Three byte planes a, b, c (16 pixels) -> 48 interleaved bytes in o[3];
+// kEvenOdd: the planes hold even pixels in bytes 0-7, odd ones in 8-15.
+template <bool kEvenOdd = false>
+inline void interleave3(__m128i a, __m128i b, __m128i c, __m128i o[3]) {
+  const auto& m = kEvenOdd ? kC3StoreEO : kC3Store;
+  for (int k = 0; k < 3; ++k)
+    o[k] = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(a, m[k][0].v()), _mm_shuffle_epi8(b, m[k][1].v())),
+                        _mm_shuffle_epi8(c, m[k][2].v()));
+}
+template <bool kEvenOdd = false>
 inline void store_c3(uint8_t* d, __m128i a, __m128i b, __m128i c, int pixels) {
   __m128i o[3];
-  interleave3(a, b, c, o);
+  interleave3<kEvenOdd>(a, b, c, o);
   if (pixels == 16) {
     store16(d, o[0]);
     store16(d + 16, o[1]);
@@ -272,22 +306,23 @@ void a_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
 
 // ------------------------------------------------------------------ Q16 luminance (families B, C, D)
 
-// Y = (19595 R + 38470 G + 7471 B + 32768) >> 16 on 8 pixels of 16-bit
-// lanes.  38470 G = 65536 G - 27066 G and 65536 G leaves the shift whole:
-// Y = G + ((19595 R - 27066 G + 7471 B + 32768) >> 16); the bias comes from
-// (B, 2) * (7471, 16384).
-inline __m128i y_q16_32(__m128i rg, __m128i b2) {
-  return _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(19595, -27066)), _mm_madd_epi16(b2, pair(7471, 16384))),
-                        16);
-}
-inline __m128i y_q16(__m128i r16, __m128i g16, __m128i b16) {
-  const __m128i two = _mm_set1_epi16(2);
-  return _mm_add_epi16(g16, _mm_packs_epi32(y_q16_32(_mm_unpacklo_epi16(r16, g16), _mm_unpacklo_epi16(b16, two)),
-                                            y_q16_32(_mm_unpackhi_epi16(r16, g16), _mm_unpackhi_epi16(b16, two))));
+// Y = (19595 R + 38470 G + 7471 B + 32768) >> 16.  38470 G = 65536 G -
+// 27066 G and 65536 G leaves the shift whole, so Y = G + (u >> 16) with
+// u = 19595 R - 27066 G + 7471 B + 32768 = 256 H + L,
+//   H = 77 R - 106 G + 29 B + 128,  L = -117 R + 70 G + 47 B
+// (both exact in 16 bits, from pmaddubsw on (R, G) and (B, 2) byte pairs),
+// and u >> 16 = (H + (L >> 8)) >> 8.  8 pixels -> 16-bit lanes.
+inline __m128i bytes_w(int w0, int w1) { return _mm_set1_epi16(static_cast<int16_t>((w0 & 255) + w1 * 256)); }
+inline __m128i y_q16_pairs(__m128i rg, __m128i b2, __m128i g16) {
+  const __m128i h = _mm_add_epi16(_mm_maddubs_epi16(rg, bytes_w(77, -106)), _mm_maddubs_epi16(b2, bytes_w(29, 64)));
+  const __m128i l = _mm_add_epi16(_mm_maddubs_epi16(rg, bytes_w(-117, 70)), _mm_maddubs_epi16(b2, bytes_w(47, 0)));
+  return _mm_add_epi16(g16, _mm_srai_epi16(_mm_add_epi16(h, _mm_srai_epi16(l, 8)), 8));
 }
 // 16 pixels of byte planes -> 16 Y bytes.
 inline __m128i y_q16_16(__m128i r, __m128i g, __m128i b) {
-  return pack_u8(y_q16(lo16(r), lo16(g), lo16(b)), y_q16(hi16(r), hi16(g), hi16(b)));
+  const __m128i two = _mm_set1_epi8(2);
+  return pack_u8(y_q16_pairs(_mm_unpacklo_epi8(r, g), _mm_unpacklo_epi8(b, two), lo16(g)),
+                 y_q16_pairs(_mm_unpackhi_epi8(r, g), _mm_unpackhi_epi8(b, two), hi16(g)));
 }
 
 // Low-byte chroma of families C and D on 8 lanes of channel sums (16-bit),
@@ -315,16 +350,16 @@ inline void chroma_lo8(__m128i sr, __m128i sg, __m128i sb, __m128i* cb, __m128i*
 
 // ------------------------------------------------------------------ family B
 
-// 8 pixels (16-bit lanes) -> Y, Cb, Cr 16-bit lanes.
-inline void b_8(__m128i r16, __m128i g16, __m128i b16, __m128i* y16, __m128i* cb16, __m128i* cr16) {
-  *y16 = y_q16(r16, g16, b16);
-  const __m128i c257 = _mm_set1_epi16(257);  // 16384 * 257 = 4210688
-  const __m128i db = _mm_sub_epi16(b16, *y16), dr = _mm_sub_epi16(r16, *y16);
-  const __m128i wb = pair(18491, 16384), wr = pair(23373, 16384);
-  *cb16 = _mm_packs_epi32(_mm_srai_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(db, c257), wb), 15),
-                          _mm_srai_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(db, c257), wb), 15));
-  *cr16 = _mm_packs_epi32(_mm_srai_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(dr, c257), wr), 15),
-                          _mm_srai_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(dr, c257), wr), 15));
+// 8 pixels -> Y, Cb, Cr 16-bit lanes; R, G, B bytes of the 8 pixels in the
+// low half of r8, g8, b8.
+inline void b_8(__m128i r8, __m128i g8, __m128i b8, __m128i* y16, __m128i* cb16, __m128i* cr16) {
+  const __m128i r16 = lo16(r8), b16 = lo16(b8);
+  *y16 = y_q16_pairs(_mm_unpacklo_epi8(r8, g8), _mm_unpacklo_epi8(b8, _mm_set1_epi8(2)), lo16(g8));
+  // ((d * 18491 + 4210688) >> 15) = 128 + ((d * 18491 + 16384) >> 15), the
+  // rounding multiply pmulhrsw does exactly.
+  const __m128i db = _mm_sub_epi16(b16, *y16), dr = _mm_sub_epi16(r16, *y16), c128 = _mm_set1_epi16(128);
+  *cb16 = _mm_add_epi16(_mm_mulhrs_epi16(db, _mm_set1_epi16(18491)), c128);
+  *cr16 = _mm_add_epi16(_mm_mulhrs_epi16(dr, _mm_set1_epi16(23373)), c128);
 }
 
 // ------------------------------------------------------------------ families E, E', F, G (inverse)
@@ -378,12 +413,12 @@ inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i cbcr, __m128i* 
 // (8 samples, 16-bit lanes) and added to every Y that shares them.
 inline void f_terms(__m128i cb16, __m128i cr16, __m128i cbcr, __m128i* tr, __m128i* tg, __m128i* tb) {
   // Single-variable terms in 16-bit lanes, equal for every sample value:
-  //   (91880 Cr - 11727880) >> 16 == mulhrs(4 (Cr - 128), 27869) - 2 (Cr - 128)
-  //   (116128 Cb - 14831618) >> 16 == mulhrs(4 (Cb - 128), 30899) - 2 (Cb - 128)
+  //   (91880 Cr - 11727880) >> 16 == mulhrs(2 (Cr - 128), 22970)
+  //   (116128 Cb - 14831618) >> 16 == mulhrs(2 (Cb - 128), 29030)
   const __m128i off = _mm_set1_epi16(128);
   const __m128i crd = _mm_sub_epi16(cr16, off), cbd = _mm_sub_epi16(cb16, off);
-  *tr = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(crd, 2), _mm_set1_epi16(27869)), _mm_add_epi16(crd, crd));
-  *tb = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(cbd, 2), _mm_set1_epi16(30899)), _mm_add_epi16(cbd, cbd));
+  *tr = _mm_mulhrs_epi16(_mm_add_epi16(crd, crd), _mm_set1_epi16(22970));
+  *tb = _mm_mulhrs_epi16(_mm_add_epi16(cbd, cbd), _mm_set1_epi16(29030));
   // G: -46801 Cr = -65536 Cr + 18735 Cr, so the term is -Cr + (u >> 16) with
   // u = -22553 Cb + 18735 Cr + 8910128; -22553 = -88*256 - 25,
   // 18735 = 73*256 + 47, 8910128 = 34805*256 + 48.  The sum before the last
@@ -399,11 +434,11 @@ inline void f_terms(__m128i cb16, __m128i cr16, __m128i cbcr, __m128i* tr, __m12
 // term: cr_r_tbl = (91881 d + 32768) >> 16, cb_b_tbl = (116130 d + 32768)
 // >> 16, (cb_g_tbl + cr_g_tbl) >> 16, computed exactly.
 inline void g_terms(__m128i cb16, __m128i cr16, __m128i cbcr, __m128i* tr, __m128i* tg, __m128i* tb) {
-  // cr_r_tbl[c] == mulhrs(4 (c - 128), 27869) - 2 (c - 128);
-  // cb_b_tbl[c] == mulhrs(2 (c - 128), 29033)   (every c in 0..255).
+  // cr_r_tbl[c] == mulhrs(2 (c - 128), 22970), cb_b_tbl[c] == mulhrs(2 (c - 128), 29033)
+  // for every c in 0..255.
   const __m128i off = _mm_set1_epi16(128);
   const __m128i dcb = _mm_sub_epi16(cb16, off), dcr = _mm_sub_epi16(cr16, off);
-  *tr = _mm_sub_epi16(_mm_mulhrs_epi16(_mm_slli_epi16(dcr, 2), _mm_set1_epi16(27869)), _mm_add_epi16(dcr, dcr));
+  *tr = _mm_mulhrs_epi16(_mm_add_epi16(dcr, dcr), _mm_set1_epi16(22970));
   *tb = _mm_mulhrs_epi16(_mm_add_epi16(dcb, dcb), _mm_set1_epi16(29033));
   // (cb_g_tbl[Cb] + cr_g_tbl[Cr]) >> 16 = (-22554 Cb - 46802 Cr + 8910336) >> 16
   // = -Cr + ((-22554 Cb + 18734 Cr + 8910336) >> 16); -22554 = -88*256 - 26,
@@ -480,6 +515,30 @@ void f_rows(const uint8_t* const* yr, const uint8_t* cb, const uint8_t* cr, uint
     }
   };
   int x = 0;
+  if (HSUB == 2 && CH == 3) {
+    // One term per pixel pair: add it to the even and the odd Y of the pair
+    // (16-bit lanes without unpacking), pack even | odd, and let the store
+    // masks put the pixels in order.
+    const __m128i lo8 = _mm_set1_epi16(0x00FF);
+    for (int px = 16; px >= 8; px -= 8)
+      for (; x + px <= width; x += px) {
+        const __m128i CB = px == 16 ? load8(cb + x / 2) : load4(cb + x / 2);
+        const __m128i CR = px == 16 ? load8(cr + x / 2) : load4(cr + x / 2);
+        __m128i u[3];
+        f_terms(lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &u[0], &u[1], &u[2]);
+        for (int k = 0; k < ROWS; ++k) {
+          const __m128i Y = px == 16 ? load16(yr[k] + x) : load8(yr[k] + x);
+          const __m128i ye = _mm_and_si128(Y, lo8), yo = _mm_srli_epi16(Y, 8);
+          __m128i c[3];
+          for (int ch = 0; ch < 3; ++ch) c[ch] = pack_u8(_mm_add_epi16(ye, u[ch]), _mm_add_epi16(yo, u[ch]));
+          store_c3<true>(dr[k] + CH * x, RI == 0 ? c[0] : c[2], c[1], RI == 0 ? c[2] : c[0], px);
+        }
+      }
+    if (x < width)
+      for (int k = 0; k < ROWS; ++k)
+        ref::ycbcr_to_rgb_q16_row(yr[k] + x, cb + x / 2, cr + x / 2, dr[k] + CH * x, width - x, 2, CH, RI != 0, alpha);
+    return;
+  }
   __m128i t[3][2];
   for (; x + 16 <= width; x += 16) {
     if (HSUB == 1) {
@@ -625,8 +684,8 @@ void ownpj_RGBToYCbCr_JPEG_8u_P3R_opt(const uint8_t* r, const uint8_t* g, const 
   for (; x + 16 <= n4; x += 16) {
     const __m128i R = load16(r + x), G = load16(g + x), B = load16(b + x);
     __m128i y0, cb0, cr0, y1, cb1, cr1;
-    b_8(lo16(R), lo16(G), lo16(B), &y0, &cb0, &cr0);
-    b_8(hi16(R), hi16(G), hi16(B), &y1, &cb1, &cr1);
+    b_8(R, G, B, &y0, &cb0, &cr0);
+    b_8(_mm_unpackhi_epi64(R, R), _mm_unpackhi_epi64(G, G), _mm_unpackhi_epi64(B, B), &y1, &cb1, &cr1);
     store16(y + x, pack_u8(y0, y1));
     store16(cb + x, pack_u8(cb0, cb1));
     store16(cr + x, pack_u8(cr0, cr1));
@@ -635,9 +694,9 @@ void ownpj_RGBToYCbCr_JPEG_8u_P3R_opt(const uint8_t* r, const uint8_t* g, const 
     if (x + px > n4) continue;
     __m128i y0, cb0, cr0;
     if (px == 8)
-      b_8(lo16(load8(r + x)), lo16(load8(g + x)), lo16(load8(b + x)), &y0, &cb0, &cr0);
+      b_8(load8(r + x), load8(g + x), load8(b + x), &y0, &cb0, &cr0);
     else
-      b_8(lo16(load4(r + x)), lo16(load4(g + x)), lo16(load4(b + x)), &y0, &cb0, &cr0);
+      b_8(load4(r + x), load4(g + x), load4(b + x), &y0, &cb0, &cr0);
     const __m128i Y = pack_u8(y0, y0), CB = pack_u8(cb0, cb0), CR = pack_u8(cr0, cr0);
     if (px == 8) {
       store8(y + x, Y);
@@ -774,20 +833,22 @@ void ycbcr411_to_rgb_q16_rows(const uint8_t* y0, const uint8_t* y1, const uint8_
 
 void ycbcr422_c2_to_rgb_tbl_row(const uint8_t* src, uint8_t* dst, int width) {
   int x = 0;
+  const __m128i lo8 = _mm_set1_epi16(0x00FF);
   for (int px = 16; px >= 8; px -= 8)
     for (; x + px <= width; x += px) {
+      // 8 (or 4) groups: Y0 and Y1 of each group in 16-bit lanes, (Cb, Cr)
+      // byte pairs; the terms of a group serve both of its pixels.
       const uint8_t* s = src + 2 * x;
       const __m128i v0 = load16(s), v1 = px == 16 ? load16(s + 16) : _mm_setzero_si128();
-      const __m128i Y = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Y.v()), _mm_shuffle_epi8(v1, kC2YHi.v()));
-      const __m128i CB = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Cb.v()), _mm_shuffle_epi8(v1, kC2CbHi.v()));
-      const __m128i CR = _mm_or_si128(_mm_shuffle_epi8(v0, kC2Cr.v()), _mm_shuffle_epi8(v1, kC2CrHi.v()));
-      __m128i tr, tg, tb;
-      g_terms(lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &tr, &tg, &tb);  // one term per pixel pair
-      const __m128i y0 = lo16(Y), y1 = hi16(Y);
-      auto chan = [&](__m128i t) {
-        return pack_u8(_mm_add_epi16(y0, _mm_unpacklo_epi16(t, t)), _mm_add_epi16(y1, _mm_unpackhi_epi16(t, t)));
+      auto gather = [&](const Mask* m) {
+        return _mm_or_si128(_mm_shuffle_epi8(v0, m[0].v()), _mm_shuffle_epi8(v1, m[1].v()));
       };
-      store_c3(dst + 3 * x, chan(tr), chan(tg), chan(tb), px);
+      const __m128i y0 = gather(kC2Y0), y1 = gather(kC2Y1), cbcr = gather(kC2CbCr);
+      __m128i t[3];
+      g_terms(_mm_and_si128(cbcr, lo8), _mm_srli_epi16(cbcr, 8), cbcr, &t[0], &t[1], &t[2]);
+      __m128i c[3];
+      for (int ch = 0; ch < 3; ++ch) c[ch] = pack_u8(_mm_add_epi16(y0, t[ch]), _mm_add_epi16(y1, t[ch]));
+      store_c3<true>(dst + 3 * x, c[0], c[1], c[2], px);
     }
   if (x < width) ref::ycbcr422_c2_to_rgb_tbl_row(src + 2 * x, dst + 3 * x, width - x);
 }
