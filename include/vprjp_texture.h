@@ -20,7 +20,7 @@
  *   0 (vprStatusBadStep).  A negative step is accepted and addresses row y
  *   at base + y * step (a bottom-up image whose first row is the top one).
  *   A step smaller than 4 * width is accepted too; the rows then overlap
- *   and where they do the decoder's result is left unspecified.
+ *   and where they do, which decoded row ends up in memory is not defined.
  *
  * Threads: both functions run on the calling thread. */
 #ifndef VPRJP_TEXTURE_H
