@@ -140,11 +140,13 @@ BENCHMARK(BM_JpegXR_PCTInv4x4Blocks_32s_jxrlib);
 // ---------------------------------------------------------------- VLC
 // DC-band scan of 4x4 blocks with adaptation (ns/block), sparse blocks as a
 // codec meets them.
-void BM_JpegXR_VLCScan4x4DC_32s_vpr(benchmark::State& s) {
+template <bool kTwin>
+void BM_scan(benchmark::State& s) {
   const int model_bits = static_cast<int>(s.range(0));
   alignas(16) unsigned char state[vpr::jxr::kVlcStateSize];
   vpriVLCInit_JPEGXR(state);
   vpriVLCScanReset_JPEGXR(state, 2);
+  auto* st = reinterpret_cast<vpr::jxr::VlcState*>(state);
   // Non-zero values get rarer towards position 15, as in real DC bands.
   std::vector<int32_t> blocks(16 * 1024);
   uint32_t x = 12345;
@@ -158,13 +160,19 @@ void BM_JpegXR_VLCScan4x4DC_32s_vpr(benchmark::State& s) {
   int np = 0;
   for (auto _ : s) {
     for (size_t b = 0; b < blocks.size(); b += 16)
-      vpriVLCScan4x4DC_JPEGXR_32s(blocks.data() + b, model_bits, dst, rl, &np, state);
+      if constexpr (kTwin)
+        np = vpr::jxr::ref::vlc_scan4x4_dc(blocks.data() + b, model_bits, dst, rl, st);
+      else
+        vpriVLCScan4x4DC_JPEGXR_32s(blocks.data() + b, model_bits, dst, rl, &np, state);
     benchmark::DoNotOptimize(np);
     benchmark::ClobberMemory();
   }
   vprbench::set_ns_per_block(s, blocks.size() / 16.0);
 }
+void BM_JpegXR_VLCScan4x4DC_32s_vpr(benchmark::State& s) { BM_scan<false>(s); }
+void BM_JpegXR_VLCScan4x4DC_32s_scalar(benchmark::State& s) { BM_scan<true>(s); }
 BENCHMARK(BM_JpegXR_VLCScan4x4DC_32s_vpr)->Arg(0)->Arg(2);
+BENCHMARK(BM_JpegXR_VLCScan4x4DC_32s_scalar)->Arg(0)->Arg(2);
 
 // One group adaptation (9 or 8 tables) per call.
 void BM_JpegXR_VLCAdapt_vpr(benchmark::State& s) {

@@ -321,7 +321,7 @@ void region16(int16_t* p, std::ptrdiff_t step, int width, int height) {
   for (int by = 0; by < height; by += 4) {
     uint8_t* row = base + by * step;
     for (int bx = 0; bx < width; bx += 8) {
-      s[n].p = row + bx * 2;
+      s[n].p = row + static_cast<std::ptrdiff_t>(bx) * 2;
       s[n].full = bx + 8 <= width;
       all_full = all_full && s[n].full;
       if (++n == 8) {
@@ -423,7 +423,7 @@ void region32(void* p, std::ptrdiff_t step, int width, int height) {
   for (int by = 0; by < height; by += 4) {
     uint8_t* row = base + by * step;
     for (int bx = 0; bx < width; bx += 4) {
-      s[n] = row + bx * 4;
+      s[n] = row + static_cast<std::ptrdiff_t>(bx) * 4;
       if (++n == 8) {
         group32x2<O, kFwd>(s, step);
         n = 0;
