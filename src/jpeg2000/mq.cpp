@@ -1,7 +1,7 @@
 // MQ arithmetic coder: tables, the recording encoder with incremental
-// draining and its three terminations, the decoder's byte input, and the
+// draining and its three terminations, decoder initialisation, and the
 // decoder exactly as ISO/IEC 15444-1 C.3 writes it (the twin of the
-// complemented one).
+// complemented one in mq.h).
 #include "jpeg2000/mq.h"
 
 #include <cstring>
@@ -240,9 +240,14 @@ uint32_t emit_value(Regs r, uint32_t x, uint8_t* scratch, bool prev_ff) {
   return strip_ones(scratch, r.n, prev_ff);
 }
 
-// Termination mode 1: among the values of the final interval [C, C + A)
-// ending in the longest runs of 1-bits (and the default flush), picks the
-// one giving the fewest bytes.
+// Termination mode 1.  Any value x of the final interval [C, C + A),
+// written out and continued with 1-bits, decodes every decision; the fewer
+// bits above x's trailing run of ones, the fewer bytes.  The candidates are
+// the values x = m * 2^k - 1 of the interval for the three largest k that
+// have one (the largest has a single m; two m per level, as a 0xFF among
+// the bytes costs a bit of stuffing) and the default flush; the one giving
+// the fewest bytes wins (ties: the default flush).  At most seven trial
+// emissions of five BYTEOUTs each.
 void flush_shortest(Regs& r, bool prev_ff) {
   uint8_t best[kScratch];
   uint32_t best_n;
@@ -257,12 +262,12 @@ void flush_shortest(Regs& r, bool prev_ff) {
   const uint64_t lo = r.C;
   const uint64_t hi = static_cast<uint64_t>(r.C) + r.A;  // exclusive
   int levels = 0;
-  for (int k = 28; k >= 0 && levels < 17; --k) {
+  for (int k = 28; k >= 0 && levels < 3; --k) {
     // Values x = m * 2^k - 1 with lo <= x < hi, from the largest m down.
     uint64_t t = (hi >> k) << k;
     if (t <= lo) continue;
     ++levels;
-    for (int j = 0; j < 4 && t > lo; ++j, t -= (uint64_t{1} << k)) {
+    for (int j = 0; j < 2 && t > lo; ++j, t -= (uint64_t{1} << k)) {
       uint8_t cand[kScratch];
       const uint32_t n = emit_value(r, static_cast<uint32_t>(t - 1), cand, prev_ff);
       if (n < best_n) {
