@@ -13,9 +13,11 @@ namespace {
 
 using namespace detail;
 
-// Enough room for one MCU of six blocks in the worst case: per block a
-// 27-bit DC and 63 26-bit AC codes, every byte possibly stuffed.
-constexpr size_t kMcuWorstBytes = 6 * 2 * (4 + 63 * 4) + 16;
+// Room kept free before each MCU of up to six blocks: the worst case (per
+// block a 27-bit DC and 63 26-bit AC codes, every byte stuffed) is 6 * 512
+// bytes; 640 a block also keeps the block coder on its fast path, which
+// wants 560 bytes of room.
+constexpr size_t kMcuWorstBytes = 6 * 640 + 16;
 
 struct Table {
   uint8_t counts[16];

@@ -92,28 +92,68 @@ inline __m128i dot2(__m128i a, __m128i b, __m128i w, __m128i bias) {
   return _mm_packs_epi32(lo, hi);
 }
 
-// Forward weights; the bias rides on a constant 16-bit lane (value K) paired
-// with B, so bias = K * weight: Y bias -2088960 = 128 * -16320.
+// Byte shuffle that builds, for pixels [4*half, 4*half + 4) of 8
+// interleaved 3-byte pixels, 16-bit pairs (channel c0, channel c1) -- or
+// (channel c0, 0) when c1 < 0 -- from the bytes loaded at 8 * half.
+constexpr Mask pair_mask(int c0, int c1, int half) {
+  Mask r{};
+  for (int k = 0; k < 4; ++k) {
+    const int px = 4 * half + k;
+    r.m[4 * k] = static_cast<int8_t>(3 * px + c0 - 8 * half);
+    r.m[4 * k + 1] = -128;
+    r.m[4 * k + 2] = c1 < 0 ? int8_t{-128} : static_cast<int8_t>(3 * px + c1 - 8 * half);
+    r.m[4 * k + 3] = -128;
+  }
+  return r;
+}
+// [RI][half]: (R, G) pairs and (B, 0) pairs for RGB (RI = 0) or BGR (RI = 2).
+constexpr Mask kRG[3][2] = {{pair_mask(0, 1, 0), pair_mask(0, 1, 1)}, {}, {pair_mask(2, 1, 0), pair_mask(2, 1, 1)}};
+constexpr Mask kB0[3][2] = {{pair_mask(2, -1, 0), pair_mask(2, -1, 1)}, {}, {pair_mask(0, -1, 0), pair_mask(0, -1, 1)}};
+
+// 8 pixels as pair vectors for pmaddwd: (R, G) and (B, 128), pixels 0-3 in
+// the lo and 4-7 in the hi vectors.  The constant 128 lane carries the
+// bias: bias = 128 * its weight.
+struct Pairs {
+  __m128i rg_lo, rg_hi, bk_lo, bk_hi;
+};
+template <int RI>
+inline Pairs load_pairs(const uint8_t* p) {
+  const __m128i a = load16(p), b = load16(p + 8), k = _mm_set1_epi32(128 << 16);
+  return {_mm_shuffle_epi8(a, mask(kRG[RI][0])), _mm_shuffle_epi8(b, mask(kRG[RI][1])),
+          _mm_or_si128(_mm_shuffle_epi8(a, mask(kB0[RI][0])), k),
+          _mm_or_si128(_mm_shuffle_epi8(b, mask(kB0[RI][1])), k)};
+}
+// Lane-wise sum of pair vectors (16-bit halves never carry: sums stay < 2^15).
+inline Pairs add(const Pairs& x, const Pairs& y) {
+  return {_mm_add_epi16(x.rg_lo, y.rg_lo), _mm_add_epi16(x.rg_hi, y.rg_hi), _mm_add_epi16(x.bk_lo, y.bk_lo),
+          _mm_add_epi16(x.bk_hi, y.bk_hi)};
+}
+// Sums of horizontal pixel pairs of 16 pixels (x: pixels 0-7, y: 8-15):
+// 8 pair sums, 0-3 in lo, 4-7 in hi; the constant lane doubles.
+inline Pairs pair_sums(const Pairs& x, const Pairs& y) {
+  return {_mm_hadd_epi32(x.rg_lo, x.rg_hi), _mm_hadd_epi32(y.rg_lo, y.rg_hi), _mm_hadd_epi32(x.bk_lo, x.bk_hi),
+          _mm_hadd_epi32(y.bk_lo, y.bk_hi)};
+}
+
 struct FwdWeights {
-  __m128i y_rg = pair16(kYR, kYG), y_bk = pair16(kYB, kYBias / 128);
+  __m128i y_rg = pair16(kYR, kYG), y_bk = pair16(kYB, kYBias / 128);  // -2088960 = 128 * -16320
   __m128i cb_rg = pair16(kCbR, kCbG), cr_rg = pair16(kCrR, kCrG);
+  // Chroma bias 8192 (Q14, lane 128), 16384 (Q15, lane 256), 32768 (Q16,
+  // lane 512): always 64 times the constant lane.
+  __m128i cb_bk = pair16(kCbB, 64), cr_bk = pair16(kCrB, 64);
 };
 
 // Y' of 8 pixels, Q14.
-inline __m128i fwd_y(__m128i R, __m128i G, __m128i B, const FwdWeights& w) {
-  const __m128i k = _mm_set1_epi16(128);
-  return dot4<14>(_mm_unpacklo_epi16(R, G), _mm_unpackhi_epi16(R, G), _mm_unpacklo_epi16(B, k),
-                  _mm_unpackhi_epi16(B, k), w.y_rg, w.y_bk);
+inline __m128i fwd_y(const Pairs& p, const FwdWeights& w) {
+  return dot4<14>(p.rg_lo, p.rg_hi, p.bk_lo, p.bk_hi, w.y_rg, w.y_bk);
 }
-
-// Cb', Cr' of 8 (sums of) pixels: weights . (R, G, B) + 128 * K >> Shift.
-template <int Shift, int K>
-inline void fwd_c(__m128i R, __m128i G, __m128i B, const FwdWeights& w, __m128i& cb, __m128i& cr) {
-  const __m128i k = _mm_set1_epi16(128);
-  const __m128i rg_lo = _mm_unpacklo_epi16(R, G), rg_hi = _mm_unpackhi_epi16(R, G);
-  const __m128i bk_lo = _mm_unpacklo_epi16(B, k), bk_hi = _mm_unpackhi_epi16(B, k);
-  cb = dot4<Shift>(rg_lo, rg_hi, bk_lo, bk_hi, w.cb_rg, pair16(kCbB, K));
-  cr = dot4<Shift>(rg_lo, rg_hi, bk_lo, bk_hi, w.cr_rg, pair16(kCrB, K));
+template <int Shift>
+inline __m128i fwd_cb(const Pairs& p, const FwdWeights& w) {
+  return dot4<Shift>(p.rg_lo, p.rg_hi, p.bk_lo, p.bk_hi, w.cb_rg, w.cb_bk);
+}
+template <int Shift>
+inline __m128i fwd_cr(const Pairs& p, const FwdWeights& w) {
+  return dot4<Shift>(p.rg_lo, p.rg_hi, p.bk_lo, p.bk_hi, w.cr_rg, w.cr_bk);
 }
 
 inline void st(int16_t* p, __m128i v) { store16(p, v); }
@@ -122,11 +162,6 @@ inline const uint8_t* srow(const uint8_t* p, int step, int y) { return row_ptr(p
 inline uint8_t* drow(uint8_t* p, int step, int y) { return row_ptr(p, step, y); }
 
 // RI == 0: pixels are R,G,B; otherwise B,G,R.
-template <int RI>
-inline void load_rgb(const uint8_t* p, __m128i& R, __m128i& G, __m128i& B) {
-  if constexpr (RI == 0) load_c3(p, R, G, B);
-  else load_c3(p, B, G, R);
-}
 template <int RI>
 inline void store_rgb(uint8_t* p, __m128i R, __m128i G, __m128i B) {
   if constexpr (RI == 0) store_c3(p, R, G, B);
@@ -137,12 +172,10 @@ template <int RI>
 void fwd444(const uint8_t* s, int step, int16_t* y, int16_t* cb, int16_t* cr) {
   const FwdWeights w;
   for (int r = 0; r < 8; ++r) {
-    __m128i R, G, B, vcb, vcr;
-    load_rgb<RI>(srow(s, step, r), R, G, B);
-    st(y + 8 * r, fwd_y(R, G, B, w));
-    fwd_c<14, 64>(R, G, B, w, vcb, vcr);  // bias 8192 = 128 * 64
-    st(cb + 8 * r, vcb);
-    st(cr + 8 * r, vcr);
+    const Pairs p = load_pairs<RI>(srow(s, step, r));
+    st(y + 8 * r, fwd_y(p, w));
+    st(cb + 8 * r, fwd_cb<14>(p, w));
+    st(cr + 8 * r, fwd_cr<14>(p, w));
   }
 }
 
@@ -150,16 +183,13 @@ template <int RI>
 void fwd422(const uint8_t* s, int step, int16_t* y, int16_t* cb, int16_t* cr) {
   const FwdWeights w;
   for (int r = 0; r < 8; ++r) {
-    const uint8_t* p = srow(s, step, r);
-    __m128i Ra, Ga, Ba, Rb, Gb, Bb, vcb, vcr;
-    load_rgb<RI>(p, Ra, Ga, Ba);
-    load_rgb<RI>(p + 24, Rb, Gb, Bb);
-    st(y + 8 * r, fwd_y(Ra, Ga, Ba, w));
-    st(y + 64 + 8 * r, fwd_y(Rb, Gb, Bb, w));
-    // pair sums, bias 16384 = 128 * 128, Q15
-    fwd_c<15, 128>(_mm_hadd_epi16(Ra, Rb), _mm_hadd_epi16(Ga, Gb), _mm_hadd_epi16(Ba, Bb), w, vcb, vcr);
-    st(cb + 8 * r, vcb);
-    st(cr + 8 * r, vcr);
+    const uint8_t* row = srow(s, step, r);
+    const Pairs a = load_pairs<RI>(row), b = load_pairs<RI>(row + 24);
+    st(y + 8 * r, fwd_y(a, w));
+    st(y + 64 + 8 * r, fwd_y(b, w));
+    const Pairs sum = pair_sums(a, b);  // pair sums, Q15
+    st(cb + 8 * r, fwd_cb<15>(sum, w));
+    st(cr + 8 * r, fwd_cr<15>(sum, w));
   }
 }
 
@@ -167,26 +197,18 @@ template <int RI>
 void fwd411(const uint8_t* s, int step, int16_t* y, int16_t* cb, int16_t* cr) {
   const FwdWeights w;
   for (int i = 0; i < 8; ++i) {
-    __m128i sa[3] = {_mm_setzero_si128(), _mm_setzero_si128(), _mm_setzero_si128()};
-    __m128i sb[3] = {sa[0], sa[0], sa[0]};
-    for (int dy = 0; dy < 2; ++dy) {
-      const int r = 2 * i + dy;
-      const uint8_t* p = srow(s, step, r);
-      __m128i Ra, Ga, Ba, Rb, Gb, Bb;
-      load_rgb<RI>(p, Ra, Ga, Ba);
-      load_rgb<RI>(p + 24, Rb, Gb, Bb);
-      int16_t* yr = y + (r >> 3) * 128 + (r & 7) * 8;
-      st(yr, fwd_y(Ra, Ga, Ba, w));
-      st(yr + 64, fwd_y(Rb, Gb, Bb, w));
-      sa[0] = _mm_add_epi16(sa[0], Ra), sa[1] = _mm_add_epi16(sa[1], Ga), sa[2] = _mm_add_epi16(sa[2], Ba);
-      sb[0] = _mm_add_epi16(sb[0], Rb), sb[1] = _mm_add_epi16(sb[1], Gb), sb[2] = _mm_add_epi16(sb[2], Bb);
-    }
-    __m128i vcb, vcr;
-    // 2x2 sums, bias 32768 = 128 * 256, Q16
-    fwd_c<16, 256>(_mm_hadd_epi16(sa[0], sb[0]), _mm_hadd_epi16(sa[1], sb[1]), _mm_hadd_epi16(sa[2], sb[2]), w,
-                   vcb, vcr);
-    st(cb + 8 * i, vcb);
-    st(cr + 8 * i, vcr);
+    const uint8_t* row0 = srow(s, step, 2 * i);
+    const uint8_t* row1 = srow(s, step, 2 * i + 1);
+    const Pairs a0 = load_pairs<RI>(row0), b0 = load_pairs<RI>(row0 + 24);
+    const Pairs a1 = load_pairs<RI>(row1), b1 = load_pairs<RI>(row1 + 24);
+    int16_t* y0 = y + (i >> 2) * 128 + ((2 * i) & 7) * 8;
+    st(y0, fwd_y(a0, w));
+    st(y0 + 64, fwd_y(b0, w));
+    st(y0 + 8, fwd_y(a1, w));
+    st(y0 + 72, fwd_y(b1, w));
+    const Pairs sum = pair_sums(add(a0, a1), add(b0, b1));  // 2x2 sums, Q16
+    st(cb + 8 * i, fwd_cb<16>(sum, w));
+    st(cr + 8 * i, fwd_cr<16>(sum, w));
   }
 }
 
