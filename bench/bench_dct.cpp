@@ -10,6 +10,12 @@
 #include "jpeg/levelshift_quant.h"
 #include "vprjp.h"
 
+#if VPR_HAVE_JPEG
+// libjpeg-turbo exports its portable C islow forward DCT (16-bit DCTELEM in
+// SIMD builds; its SSE2 version is internal).  Output scaled by 8, no quantisation.
+extern "C" void jpeg_fdct_islow(short* data);
+#endif
+
 namespace {
 
 namespace jp = vpr::jpeg;
@@ -138,6 +144,11 @@ VPR_BENCH_FWD(DCTQuantFwd8x8LS_16u16s,
               vpriDCTQuantFwd8x8LS_JPEG_16u16s_C1R(d.block_px12(b), kW * 2, &out[b * 64], d.fwdf))
 VPR_BENCH_FWD(DCTQuantFwd8x8LS_16u16s_scalar,
               jp::ref::dct_quant_fwd_8x8_ls_16u16s(d.block_px12(b), kW * 2, &out[b * 64], d.fwdf))
+VPR_BENCH_FWD(DCTFwd8x8_16s_noquant, jp::sse::dct_8x8_fwd_16s(&shifted[b * 64], &out[b * 64]))
+#if VPR_HAVE_JPEG
+VPR_BENCH_FWD(DCTFwd8x8_16s_noquant_libjpeg_islow_c, std::memcpy(&out[b * 64], &shifted[b * 64], 128);
+              jpeg_fdct_islow(&out[b * 64]))
+#endif
 VPR_BENCH_FWD(QuantFwd8x8_16s_C1I, vpriQuantFwd8x8_JPEG_16s_C1I(&shifted[b * 64], d.fwd))
 
 #define VPR_BENCH_INV(name, call)                                          \

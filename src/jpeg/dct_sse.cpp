@@ -151,14 +151,14 @@ inline __m128i fdct_row(__m128i x, const int16_t* t) {
   return _mm_packs_epi32(_mm_srai_epi32(_mm_add_epi32(a, rnd), 20), _mm_srai_epi32(_mm_add_epi32(b, rnd), 20));
 }
 
-// sign(c) * min((|c| * r + 16384) >> 15, 32767)
+// sign(c) * min((|c| * r + 16384) >> 15, 32767), in 16-bit lanes: with
+// |c| * r = hi * 65536 + lo, the rounded quotient is 2 * hi + ((lo >> 14) + 1) >> 1.
 inline __m128i quant_round(__m128i c, __m128i r) {
   const __m128i a = _mm_abs_epi16(c);
   const __m128i lo = _mm_mullo_epi16(a, r), hi = _mm_mulhi_epu16(a, r);
-  const __m128i half = _mm_set1_epi32(16384);
-  const __m128i p0 = _mm_srli_epi32(_mm_add_epi32(_mm_unpacklo_epi16(lo, hi), half), 15);
-  const __m128i p1 = _mm_srli_epi32(_mm_add_epi32(_mm_unpackhi_epi16(lo, hi), half), 15);
-  return _mm_sign_epi16(_mm_packs_epi32(p0, p1), c);
+  const __m128i frac = _mm_srli_epi16(_mm_add_epi16(_mm_srli_epi16(lo, 14), _mm_set1_epi16(1)), 1);
+  const __m128i m = _mm_adds_epu16(_mm_adds_epu16(hi, hi), frac);
+  return _mm_sign_epi16(_mm_min_epu16(m, _mm_set1_epi16(32767)), c);
 }
 
 inline void fdct_rows_quant_store(__m128i* x, int16_t* dst, const uint16_t* fwd) {
