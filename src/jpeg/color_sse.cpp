@@ -42,18 +42,20 @@ struct Mask {
   __m128i v() const { return _mm_load_si128(reinterpret_cast<const __m128i*>(b)); }
 };
 
-// Interleave three byte planes (16 pixels) into 48 bytes: mask of output
-// register k taking from channel c.
-constexpr Mask c3_store_mask(int k, int c) {
+// From (a, b) byte pairs of pixels 8 h .. 8 h + 7 (src 0) or the c plane
+// (src 1) into output register k (natural pixel order).
+constexpr Mask c3_pair_store_mask(int k, int src, int h) {
   Mask m{};
   for (int j = 0; j < 16; ++j) {
-    const int idx = 16 * k + j;
-    m.b[j] = static_cast<uint8_t>(idx % 3 == c ? idx / 3 : 0x80);
+    const int idx = 16 * k + j, px = idx / 3, ch = idx % 3;
+    m.b[j] = 0x80;
+    if (src == 1 && ch == 2) m.b[j] = static_cast<uint8_t>(px);
+    if (src == 0 && ch < 2 && px / 8 == h) m.b[j] = static_cast<uint8_t>(2 * (px % 8) + ch);
   }
   return m;
 }
-// The same when each channel register holds the even pixels in bytes 0-7
-// and the odd pixels in bytes 8-15.
+// Output register k from three channel registers that hold the even pixels
+// in bytes 0-7 and the odd pixels in bytes 8-15.
 constexpr Mask c3_store_eo_mask(int k, int c) {
   Mask m{};
   for (int j = 0; j < 16; ++j) {
@@ -98,9 +100,9 @@ constexpr Mask c2_mask(int first, int stride, int count, int at) {
   return m;
 }
 
-constexpr Mask kC3Store[3][3] = {{c3_store_mask(0, 0), c3_store_mask(0, 1), c3_store_mask(0, 2)},
-                                 {c3_store_mask(1, 0), c3_store_mask(1, 1), c3_store_mask(1, 2)},
-                                 {c3_store_mask(2, 0), c3_store_mask(2, 1), c3_store_mask(2, 2)}};
+constexpr Mask kC3PairLo[3] = {c3_pair_store_mask(0, 0, 0), c3_pair_store_mask(1, 0, 0), c3_pair_store_mask(2, 0, 0)};
+constexpr Mask kC3PairHi[3] = {c3_pair_store_mask(0, 0, 1), c3_pair_store_mask(1, 0, 1), c3_pair_store_mask(2, 0, 1)};
+constexpr Mask kC3PairC[3] = {c3_pair_store_mask(0, 1, 0), c3_pair_store_mask(1, 1, 0), c3_pair_store_mask(2, 1, 0)};
 constexpr Mask kC3StoreEO[3][3] = {{c3_store_eo_mask(0, 0), c3_store_eo_mask(0, 1), c3_store_eo_mask(0, 2)},
                                    {c3_store_eo_mask(1, 0), c3_store_eo_mask(1, 1), c3_store_eo_mask(1, 2)},
                                    {c3_store_eo_mask(2, 0), c3_store_eo_mask(2, 1), c3_store_eo_mask(2, 2)}};
@@ -131,11 +133,22 @@ constexpr Mask c2_pair_mask(int at) {
 constexpr Mask kC2Y0[2] = {c2_lane_mask(0, 0), c2_lane_mask(0, 4)}, kC2Y1[2] = {c2_lane_mask(2, 0), c2_lane_mask(2, 4)};
 constexpr Mask kC2CbCr[2] = {c2_pair_mask(0), c2_pair_mask(4)};
 
-// Three byte planes a, b, c (16 pixels) -> 48 interleaved bytes in o[3];
-// kEvenOdd: the planes hold even pixels in bytes 0-7, odd ones in 8-15.
+// Three byte planes a, b, c (16 pixels, first channel first) -> 48
+// interleaved bytes in o[3]; kEvenOdd: the planes hold the even pixels in
+// bytes 0-7 and the odd ones in 8-15.
 template <bool kEvenOdd = false>
 inline void interleave3(__m128i a, __m128i b, __m128i c, __m128i o[3]) {
-  const auto& m = kEvenOdd ? kC3StoreEO : kC3Store;
+  if (!kEvenOdd) {
+    // (a, b) pairs first: register 0 takes pixels 0-5, 1 takes 5-10 (both
+    // pair registers), 2 takes 10-15.
+    const __m128i lo = _mm_unpacklo_epi8(a, b), hi = _mm_unpackhi_epi8(a, b);
+    o[0] = _mm_or_si128(_mm_shuffle_epi8(lo, kC3PairLo[0].v()), _mm_shuffle_epi8(c, kC3PairC[0].v()));
+    o[1] = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(lo, kC3PairLo[1].v()), _mm_shuffle_epi8(hi, kC3PairHi[1].v())),
+                        _mm_shuffle_epi8(c, kC3PairC[1].v()));
+    o[2] = _mm_or_si128(_mm_shuffle_epi8(hi, kC3PairHi[2].v()), _mm_shuffle_epi8(c, kC3PairC[2].v()));
+    return;
+  }
+  const auto& m = kC3StoreEO;
   for (int k = 0; k < 3; ++k)
     o[k] = _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(a, m[k][0].v()), _mm_shuffle_epi8(b, m[k][1].v())),
                         _mm_shuffle_epi8(c, m[k][2].v()));
@@ -384,12 +397,11 @@ inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i cbcr, __m128i* 
   *r = _mm_add_epi16(y16, _mm_add_epi16(_mm_mulhi_epu16(_mm_add_epi16(_mm_slli_epi16(cr16, 2), _mm_set1_epi16(3)),
                                                         _mm_set1_epi16(22969)),
                                         _mm_set1_epi16(-180)));
-  // (29032 Cb - 3708561) >> 14 == mulhrs(8 (Cb - 128) - 3, 11354) - (Cb - 128) + 1.
-  const __m128i cbd = _mm_sub_epi16(cb16, _mm_set1_epi16(128));
-  *b = _mm_add_epi16(_mm_sub_epi16(y16, cbd),
-                     _mm_add_epi16(_mm_mulhrs_epi16(_mm_sub_epi16(_mm_slli_epi16(cbd, 3), _mm_set1_epi16(3)),
-                                                    _mm_set1_epi16(11354)),
-                                   _mm_set1_epi16(1)));
+  // (29032 Cb - 3708561) >> 14 == mulhrs(8 (Cb - 128) - 3, 11354) - (Cb - 128) + 1
+  //                          == mulhrs(8 Cb - 1027, 11354) + 129 - Cb.
+  *b = _mm_add_epi16(_mm_add_epi16(_mm_sub_epi16(y16, cb16), _mm_set1_epi16(129)),
+                     _mm_mulhrs_epi16(_mm_sub_epi16(_mm_slli_epi16(cb16, 3), _mm_set1_epi16(1027)),
+                                      _mm_set1_epi16(11354)));
   __m128i h, l;
   if (kPlanarG) {
     // (5638 Cb + 11700 Cr - 2211182) >> 14: 5638 = 22*256 + 6, 11700 = 46*256 - 76,
