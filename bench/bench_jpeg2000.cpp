@@ -76,6 +76,59 @@ BENCHMARK(BM_J2K_WTInv_32s_ref)->Arg(1024)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_J2K_WTFwd_16s_ref)->Arg(1024)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_J2K_WTInv_16s_ref)->Arg(1024)->Unit(benchmark::kMillisecond);
 
+// ---------------------------------------------------------------- four subbands
+template <class T, bool kFwd>
+void BM_WTC1R(benchmark::State& s) {
+  const int n = static_cast<int>(s.range(0)), hn = n / 2;
+  std::vector<T> img = image<T>(n, n, 12), out(img.size());
+  std::vector<T> band[4];
+  T* pb[4];
+  const T* cb[4];
+  int32_t bs[4];
+  for (int i = 0; i < 4; ++i) {
+    band[i].resize(static_cast<size_t>(hn) * hn);
+    pb[i] = band[i].data();
+    cb[i] = pb[i];
+    bs[i] = hn * static_cast<int>(sizeof(T));
+  }
+  const int step = n * static_cast<int>(sizeof(T));
+  VprRect r{0, 0, n, n};
+  int32_t bytes = 0;
+  if constexpr (sizeof(T) == 4)
+    vpriWTGetBufSize_B53_JPEG2K_32s_C1R(&r, &bytes);
+  else
+    vpriWTGetBufSize_B53_JPEG2K_16s_C1R(&r, &bytes);
+  std::vector<T> buf(bytes / sizeof(T) + 1);
+  Vpr8u* wb = reinterpret_cast<Vpr8u*>(buf.data());
+  auto fwd = [&] {
+    if constexpr (sizeof(T) == 4)
+      vpriWTFwd_B53_JPEG2K_32s_C1R(img.data(), step, &r, pb, bs, wb);
+    else
+      vpriWTFwd_B53_JPEG2K_16s_C1R(img.data(), step, &r, pb, bs, wb);
+  };
+  fwd();
+  for (auto _ : s) {
+    if constexpr (kFwd) {
+      fwd();
+    } else if constexpr (sizeof(T) == 4) {
+      vpriWTInv_B53_JPEG2K_32s_C1R(cb, bs, out.data(), step, &r, wb);
+    } else {
+      vpriWTInv_B53_JPEG2K_16s_C1R(cb, bs, out.data(), step, &r, wb);
+    }
+    benchmark::DoNotOptimize(band[0].data());
+    benchmark::DoNotOptimize(out.data());
+  }
+  vprbench::set_items(s, double(n) * n, "samples/s");
+}
+void BM_J2K_WTFwdC1R_32s_vprjp(benchmark::State& s) { BM_WTC1R<int32_t, true>(s); }
+void BM_J2K_WTInvC1R_32s_vprjp(benchmark::State& s) { BM_WTC1R<int32_t, false>(s); }
+void BM_J2K_WTFwdC1R_16s_vprjp(benchmark::State& s) { BM_WTC1R<int16_t, true>(s); }
+void BM_J2K_WTInvC1R_16s_vprjp(benchmark::State& s) { BM_WTC1R<int16_t, false>(s); }
+BENCHMARK(BM_J2K_WTFwdC1R_32s_vprjp)->Arg(4096)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_J2K_WTInvC1R_32s_vprjp)->Arg(4096)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_J2K_WTFwdC1R_16s_vprjp)->Arg(4096)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_J2K_WTInvC1R_16s_vprjp)->Arg(4096)->Unit(benchmark::kMillisecond);
+
 // ---------------------------------------------------------------- row / column forms
 template <class T, bool kRow>
 void BM_WTLines(benchmark::State& s) {

@@ -349,6 +349,15 @@ inline void quadrants(int w, int h, Quad q[4]) {
   q[3] = {wl, hl, wh, hh};
 }
 
+// Physical row of layout row d when the vertical pass leaves the rows of
+// an h >= 3 region interleaved (the four-subband forms skip the in-place
+// row de-interleave and read / write the quadrants through this map).
+inline int interleaved_row(int d, int h, int py) {
+  if (h < 3) return d;
+  const int nL = low_count(h, py);
+  return d < nL ? 2 * d + py : 2 * (d - nL) + 1 - py;
+}
+
 template <class T>
 VprStatus fwd_c1r(const T* pSrc, int32_t srcStep, const VprRect* rect, T* pDst[4], int32_t dstStep[4],
                   Vpr8u* pBuffer) {
@@ -358,19 +367,19 @@ VprStatus fwd_c1r(const T* pSrc, int32_t srcStep, const VprRect* rect, T* pDst[4
     if (!pDst[i]) return vprStatusNullPointer;
   for (int i = 0; i < 4; ++i)
     if (dstStep[i] < 1) return vprStatusBadStep;
-  const int w = rect->width, h = rect->height;
+  const int w = rect->width, h = rect->height, py = rect->y & 1;
   if (w < 1 || h < 1) return vprStatusBadSize;
   const int rowBytes = static_cast<int>((int64_t{sizeof(T)} * w + 31) & ~int64_t{31});
   T* img = reinterpret_cast<T*>(pBuffer);
   copy_plane(pSrc, srcStep, img, rowBytes, w, h);
-  sse::wt_fwd_c1ir(img, rowBytes, w, h, rect->x & 1, rect->y & 1,
-                   reinterpret_cast<T*>(pBuffer + static_cast<std::ptrdiff_t>(rowBytes) * h));
+  sse::wt_fwd_c1ir_interleaved(img, rowBytes, w, h, rect->x & 1, py,
+                               reinterpret_cast<T*>(pBuffer + static_cast<std::ptrdiff_t>(rowBytes) * h));
   Quad q[4];
   quadrants(w, h, q);
   for (int i = 0; i < 4; ++i)
-    if (q[i].w > 0 && q[i].h > 0)
-      copy_plane(row_at(static_cast<const T*>(img), rowBytes, q[i].y) + q[i].x, rowBytes, pDst[i], dstStep[i], q[i].w,
-                 q[i].h);
+    for (int y = 0; y < q[i].h && q[i].w > 0; ++y)
+      std::memcpy(row_at(pDst[i], dstStep[i], y), row_at(img, rowBytes, interleaved_row(q[i].y + y, h, py)) + q[i].x,
+                  sizeof(T) * q[i].w);
   return vprStatusOk;
 }
 
@@ -383,17 +392,18 @@ VprStatus inv_c1r(const T* pSrc[4], int32_t srcStep[4], T* pDst, int32_t dstStep
     if (!pSrc[i]) return vprStatusNullPointer;
   for (int i = 0; i < 4; ++i)
     if (srcStep[i] < 1) return vprStatusBadStep;
-  const int w = rect->width, h = rect->height;
+  const int w = rect->width, h = rect->height, py = rect->y & 1;
   if (w < 1 || h < 1) return vprStatusBadSize;
   const int rowBytes = static_cast<int>((int64_t{sizeof(T)} * w + 31) & ~int64_t{31});
   T* img = reinterpret_cast<T*>(pBuffer);
   Quad q[4];
   quadrants(w, h, q);
   for (int i = 0; i < 4; ++i)
-    if (q[i].w > 0 && q[i].h > 0)
-      copy_plane(pSrc[i], srcStep[i], row_at(img, rowBytes, q[i].y) + q[i].x, rowBytes, q[i].w, q[i].h);
-  sse::wt_inv_c1ir(img, rowBytes, w, h, rect->x & 1, rect->y & 1,
-                   reinterpret_cast<T*>(pBuffer + static_cast<std::ptrdiff_t>(rowBytes) * h));
+    for (int y = 0; y < q[i].h && q[i].w > 0; ++y)
+      std::memcpy(row_at(img, rowBytes, interleaved_row(q[i].y + y, h, py)) + q[i].x, row_at(pSrc[i], srcStep[i], y),
+                  sizeof(T) * q[i].w);
+  sse::wt_inv_c1ir_interleaved(img, rowBytes, w, h, rect->x & 1, py,
+                               reinterpret_cast<T*>(pBuffer + static_cast<std::ptrdiff_t>(rowBytes) * h));
   copy_plane(static_cast<const T*>(img), rowBytes, pDst, dstStep, w, h);
   return vprStatusOk;
 }

@@ -80,6 +80,13 @@ void lift_inv_line(int16_t* b, int n, int phase);
 namespace sse {
 VPR_J2K_WT_KERNELS(int32_t)
 VPR_J2K_WT_KERNELS(int16_t)
+// The 2-D kernels without the row (de-)interleave: for h >= 3 the rows stay
+// in interleaved order (row r is vertically low when (r + py) is even);
+// regions of one or two rows are laid out as by wt_fwd_c1ir.
+void wt_fwd_c1ir_interleaved(int32_t* p, int step, int w, int h, int px, int py, int32_t* buf);
+void wt_fwd_c1ir_interleaved(int16_t* p, int step, int w, int h, int px, int py, int16_t* buf);
+void wt_inv_c1ir_interleaved(int32_t* p, int step, int w, int h, int px, int py, int32_t* buf);
+void wt_inv_c1ir_interleaved(int16_t* p, int step, int w, int h, int px, int py, int16_t* buf);
 }  // namespace sse
 
 #undef VPR_J2K_WT_KERNELS

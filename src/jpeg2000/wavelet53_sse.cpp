@@ -172,29 +172,50 @@ void inv_lift(const T* lo, const T* hiPrev, const T* hi, const T* evPrev, T* odd
 // form is a copy of the band's end sample.
 template <class T>
 void hline_fwd(T* x, int n, int p, T* buf) {
-  constexpr int N = V<T>::N;
+  using v = V<T>;
+  constexpr int N = v::N;
   const int nL = low_count(n, p), nH = n - nL;
   T* Lb = buf + 1;
   T* Hb = buf + nL + 3;
+  const int pairs = n >> 1;
+  // Split the line into its bands and predict the high band in one sweep
+  // over the samples whose neighbours lie inside the line; the ends are
+  // finished below with the extension slots.
+  int k = p, k0 = p;
+  if (p == 0) {
+    for (; k + N <= (n - 2) >> 1; k += N) {
+      __m128i e, o, e1, o1;
+      v::split(load16(x + 2 * k), load16(x + 2 * k + N), e, o);
+      v::split(load16(x + 2 * k + 2), load16(x + 2 * k + 2 + N), e1, o1);
+      store16(Lb + k, e);
+      store16(Hb + k, v::sub(o, v::avg(e, e1)));
+    }
+  } else {
+    for (; k + N <= pairs; k += N) {
+      __m128i e, o, e0, o0;
+      v::split(load16(x + 2 * k), load16(x + 2 * k + N), e, o);
+      v::split(load16(x + 2 * k - 2), load16(x + 2 * k - 2 + N), e0, o0);
+      store16(Lb + k, o);
+      store16(Hb + k, v::sub(e, v::avg(o0, o)));
+    }
+  }
+  const int k1 = k;  // [k0, k1) is done
   T* first = p ? Hb : Lb;
   T* second = p ? Lb : Hb;
-  const int pairs = n >> 1;
-  int k = 0;
-  for (; k + N <= pairs; k += N) {
-    __m128i e, o;
-    V<T>::split(load16(x + 2 * k), load16(x + 2 * k + N), e, o);
-    store16(first + k, e);
-    store16(second + k, o);
+  for (int j = 0; j < k0; ++j) {
+    first[j] = x[2 * j];
+    second[j] = x[2 * j + 1];
   }
-  for (; k < pairs; ++k) {
-    first[k] = x[2 * k];
-    second[k] = x[2 * k + 1];
+  for (int j = k1; j < pairs; ++j) {
+    first[j] = x[2 * j];
+    second[j] = x[2 * j + 1];
   }
   if (n & 1) first[pairs] = x[n - 1];
   Lb[-1] = Lb[0];
   Lb[nL] = Lb[nL - 1];
   const T* La = Lb - p;
-  rows_op<T, kPredict>(Hb, Hb, La, La + 1, nH);
+  for (int j = 0; j < k0; ++j) Hb[j] = lift::predict(Hb[j], La[j], La[j + 1]);
+  for (int j = k1; j < nH; ++j) Hb[j] = lift::predict(Hb[j], La[j], La[j + 1]);
   Hb[-1] = Hb[0];
   Hb[nH] = Hb[nH - 1];
   const T* Ha = Hb - 1 + p;
@@ -311,7 +332,9 @@ void permute_rows(T* p, int step, int w, int h, Dest dest, T* tmp) {
 }
 
 // ---------------------------------------------------------------- 2-D in place
-template <class T>
+// kPermute = false leaves the rows of an h >= 3 region in interleaved order
+// (row r holds the vertically low coefficients when (r + py) is even).
+template <class T, bool kPermute>
 void fwd_2d(T* p, int step, int w, int h, int px, int py, T* buf) {
   if (w < 1 || h < 1) return;
   using v = V<T>;
@@ -366,12 +389,15 @@ void fwd_2d(T* p, int step, int w, int h, int px, int py, T* buf) {
   for (; nextHigh < h; nextHigh += 2)
     rows_op<T, kPredict>(row(nextHigh), row(nextHigh), row(nextHigh - 1), row(nextHigh + 1), w);
   for (; hdone < h; ++hdone) hrow_fwd(row(hdone), w, px, buf);
-  const int nL = low_count(h, py);
-  permute_rows(
-      p, step, w, h, [=](int r) { return (((r + py) & 1) ? nL : 0) + (r >> 1); }, buf);
+  if constexpr (kPermute) {
+    const int nL = low_count(h, py);
+    permute_rows(
+        p, step, w, h, [=](int r) { return (((r + py) & 1) ? nL : 0) + (r >> 1); }, buf);
+  }
 }
 
-template <class T>
+// kPermute = false takes the rows of an h >= 3 region in interleaved order.
+template <class T, bool kPermute>
 void inv_2d(T* p, int step, int w, int h, int px, int py, T* buf) {
   if (w < 1 || h < 1) return;
   using v = V<T>;
@@ -407,9 +433,11 @@ void inv_2d(T* p, int step, int w, int h, int px, int py, T* buf) {
     }
     return;
   }
-  const int nL = low_count(h, py);
-  permute_rows(
-      p, step, w, h, [=](int d) { return d < nL ? 2 * d + py : 2 * (d - nL) + 1 - py; }, buf);
+  if constexpr (kPermute) {
+    const int nL = low_count(h, py);
+    permute_rows(
+        p, step, w, h, [=](int d) { return d < nL ? 2 * d + py : 2 * (d - nL) + 1 - py; }, buf);
+  }
   auto row = [&](int y) {
     y = y < 0 ? -y : (y >= h ? 2 * (h - 1) - y : y);
     return rp(p, step, y);
@@ -543,8 +571,18 @@ void inv_col_impl(const T* l, int ls, const T* hh, int hs, T* d, int ds, int w, 
 }  // namespace
 
 #define VPR_J2K_SSE_KERNELS(T)                                                                                      \
-  void wt_fwd_c1ir(T* p, int step, int w, int h, int px, int py, T* buf) { fwd_2d(p, step, w, h, px, py, buf); }     \
-  void wt_inv_c1ir(T* p, int step, int w, int h, int px, int py, T* buf) { inv_2d(p, step, w, h, px, py, buf); }     \
+  void wt_fwd_c1ir(T* p, int step, int w, int h, int px, int py, T* buf) {                                         \
+    fwd_2d<T, true>(p, step, w, h, px, py, buf);                                                                    \
+  }                                                                                                                 \
+  void wt_inv_c1ir(T* p, int step, int w, int h, int px, int py, T* buf) {                                         \
+    inv_2d<T, true>(p, step, w, h, px, py, buf);                                                                    \
+  }                                                                                                                 \
+  void wt_fwd_c1ir_interleaved(T* p, int step, int w, int h, int px, int py, T* buf) {                             \
+    fwd_2d<T, false>(p, step, w, h, px, py, buf);                                                                   \
+  }                                                                                                                 \
+  void wt_inv_c1ir_interleaved(T* p, int step, int w, int h, int px, int py, T* buf) {                             \
+    inv_2d<T, false>(p, step, w, h, px, py, buf);                                                                   \
+  }                                                                                                                 \
   void wt_fwd_row(const T* src, int srcStep, T* lo, int loStep, T* hi, int hiStep, int w, int h, int phase) {       \
     for (int y = 0; y < h; ++y)                                                                                     \
       fwd_row_line(rp(src, srcStep, y), rp(lo, loStep, y), rp(hi, hiStep, y), w, phase != 0);                       \
