@@ -289,7 +289,7 @@ inline std::ptrdiff_t byte_step(int step) { return static_cast<std::ptrdiff_t>(s
 using namespace vpr::jxr;
 
 #define VPR_PCT_REGION(Dir, dir, T, t)                                                    \
-  VprStatus vpriPCT##Dir##_JPEGXR_##t##_C1IR(T* pSrcDst, int srcDstStep, VprRoiSize roi) { \
+  VPR_API VprStatus vpriPCT##Dir##_JPEGXR_##t##_C1IR(T* pSrcDst, int srcDstStep, VprRoiSize roi) { \
     const VprStatus st = check_region(pSrcDst, srcDstStep, roi);                          \
     if (st != vprStatusOk) return st;                                                     \
     sse::pct_##dir##_##t(pSrcDst, byte_step(srcDstStep), roi.width, roi.height);          \
@@ -297,7 +297,7 @@ using namespace vpr::jxr;
   }
 
 #define VPR_PCT_FIXED(Dir, dir, Shape, W, H, T, t)                                     \
-  VprStatus vpriPCT##Dir##Shape##_JPEGXR_##t##_C1IR(T* pSrcDst, int srcDstStep) {      \
+  VPR_API VprStatus vpriPCT##Dir##Shape##_JPEGXR_##t##_C1IR(T* pSrcDst, int srcDstStep) { \
     const VprStatus st = check_fixed(pSrcDst, srcDstStep, (W) * sizeof(T));            \
     if (st != vprStatusOk) return st;                                                  \
     sse::pct_##dir##_##t(pSrcDst, byte_step(srcDstStep), (W), (H));                    \

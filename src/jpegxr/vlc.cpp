@@ -390,40 +390,40 @@ using vpr::jxr::VlcState;
 
 extern "C" {
 
-VprStatus vpriVLCGetStateSize_JPEGXR(int* pSize) {
+VPR_API VprStatus vpriVLCGetStateSize_JPEGXR(int* pSize) {
   if (!pSize) return vprStatusNullPointer;
   *pSize = vpr::jxr::kVlcStateSize;
   return vprStatusOk;
 }
 
-VprStatus vpriVLCInit_JPEGXR(void* pState) {
+VPR_API VprStatus vpriVLCInit_JPEGXR(void* pState) {
   if (!pState) return vprStatusNullPointer;
   vpr::jxr::vlc_init(static_cast<VlcState*>(pState));
   return vprStatusOk;
 }
 
-VprStatus vpriVLCAdapt_JPEGXR(void* pState, int group) {
+VPR_API VprStatus vpriVLCAdapt_JPEGXR(void* pState, int group) {
   if (!pState) return vprStatusNullPointer;
   if (group != 0 && group != 1) return vprStatusOutOfRange;
   vpr::jxr::vlc_adapt_group(static_cast<VlcState*>(pState), group);
   return vprStatusOk;
 }
 
-VprStatus vpriVLCScanSet_JPEGXR(void* pState, int scan) {
+VPR_API VprStatus vpriVLCScanSet_JPEGXR(void* pState, int scan) {
   if (!pState) return vprStatusNullPointer;
   if (scan < 0 || scan > 2) return vprStatusOutOfRange;
   static_cast<VlcState*>(pState)->current_scan = scan;
   return vprStatusOk;
 }
 
-VprStatus vpriVLCScanReset_JPEGXR(void* pState, int scan) {
+VPR_API VprStatus vpriVLCScanReset_JPEGXR(void* pState, int scan) {
   if (!pState) return vprStatusNullPointer;
   if (scan < 0 || scan > 2) return vprStatusOutOfRange;
   vpr::jxr::vlc_scan_reset(static_cast<VlcState*>(pState), scan);
   return vprStatusOk;
 }
 
-VprStatus vpriVLCScan4x4DC_JPEGXR_32s(const Vpr32s* pSrc, int modelBits, Vpr32s* pDst, Vpr32s* pRunLevel,
+VPR_API VprStatus vpriVLCScan4x4DC_JPEGXR_32s(const Vpr32s* pSrc, int modelBits, Vpr32s* pDst, Vpr32s* pRunLevel,
                                       int* pNumPairs, void* pState) {
   if (!pSrc || !pDst || !pRunLevel || !pNumPairs || !pState) return vprStatusNullPointer;
   if (modelBits < 0 || modelBits > 15) return vprStatusOutOfRange;
