@@ -116,3 +116,30 @@ void BM_MQ_Decode_ref(benchmark::State& s) {
 BENCHMARK(BM_MQ_Decode_ref)->Arg(1)->Arg(0)->ArgName("skewed");
 
 }  // namespace
+
+namespace {
+
+// Cost of a short code-word with its termination (a code-block coder that
+// terminates every coding pass): 32 skewed decisions recorded, coded and
+// terminated in each mode; ns per code-word.
+void BM_MQ_CodeWord32_vprjp(benchmark::State& s) {
+  const Input& in = input(1);
+  const uint32_t mode = static_cast<uint32_t>(s.range(0));
+  uint8_t dec[32], cxs[32], out[64];
+  size_t at = 0;
+  for (auto _ : s) {
+    MqEncoder e;
+    mq_encoder_init(&e, mode, dec, cxs, 32);
+    for (int i = 0; i < 32; ++i) mq_encoder_record(&e, in.cx[at + i], in.d[at + i]);
+    at = (at + 32) % (kDecisions - 32);
+    int32_t len = 64;
+    decEncoderMQEncode(&e, out, &len);
+    int32_t rest = 64 - len;
+    decEncoderMQTerminate(&e, out + len, &rest);
+    benchmark::DoNotOptimize(out);
+  }
+  vprbench::set_ns_per_block(s, 1.0);
+}
+BENCHMARK(BM_MQ_CodeWord32_vprjp)->Arg(0)->Arg(1)->Arg(2)->ArgName("mode");
+
+}  // namespace
