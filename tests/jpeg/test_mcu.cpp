@@ -267,6 +267,43 @@ TEST(McuInverse, KnownValuesAndTheTwoPrecisions) {
   EXPECT_EQ(out[3], 0); EXPECT_EQ(out[4], 255); EXPECT_EQ(out[5], 255);
 }
 
+TEST(McuOrder, BgrMembersAreTheRgbMembersWithRAndBSwapped) {
+  vprtest::Rng rng(8);
+  struct Pair { FwdApi rgb, bgr; InvApi irgb, ibgr; int row_bytes, rows, yb; };
+  for (const Pair& p : {Pair{vpriRGBToYCbCr444LS_MCU_8u16s_C3P3R, vpriBGRToYCbCr444LS_MCU_8u16s_C3P3R,
+                             vpriYCbCr444ToRGBLS_MCU_16s8u_P3C3R, vpriYCbCr444ToBGRLS_MCU_16s8u_P3C3R, 24, 8, 1},
+                        Pair{vpriRGBToYCbCr422LS_MCU_8u16s_C3P3R, vpriBGRToYCbCr422LS_MCU_8u16s_C3P3R,
+                             vpriYCbCr422ToRGBLS_MCU_16s8u_P3C3R, vpriYCbCr422ToBGRLS_MCU_16s8u_P3C3R, 48, 8, 2},
+                        Pair{vpriRGBToYCbCr411LS_MCU_8u16s_C3P3R, vpriBGRToYCbCr411LS_MCU_8u16s_C3P3R,
+                             vpriYCbCr411ToRGBLS_MCU_16s8u_P3C3R, vpriYCbCr411ToBGRLS_MCU_16s8u_P3C3R, 48, 16, 4}}) {
+    SCOPED_TRACE(p.yb);
+    for (int it = 0; it < 10; ++it) {
+      vprtest::Image<uint8_t> rgb(p.row_bytes, p.rows), bgr(p.row_bytes, p.rows);
+      rgb.fill_random(rng);
+      for (int y = 0; y < p.rows; ++y)
+        for (int x = 0; x < p.row_bytes; x += 3)
+          bgr.set(x, y, rgb.get(x + 2, y)), bgr.set(x + 1, y, rgb.get(x + 1, y)), bgr.set(x + 2, y, rgb.get(x, y));
+      Blocks a(p.yb, 0), b(p.yb, 1);
+      Vpr16s* da[3] = {a.y.data(), a.cb.data(), a.cr.data()};
+      Vpr16s* db[3] = {b.y.data(), b.cb.data(), b.cr.data()};
+      ASSERT_EQ(p.rgb(rgb.data(), rgb.step(), da), vprStatusOk);
+      ASSERT_EQ(p.bgr(bgr.data(), bgr.step(), db), vprStatusOk);
+      ASSERT_TRUE(a.same(b));
+      // Inverse: the same blocks give the same pixels, R and B swapped.
+      a.fill_random(rng, -200, 200);
+      const Vpr16s* sa[3] = {a.y.data(), a.cb.data(), a.cr.data()};
+      ASSERT_EQ(p.irgb(sa, rgb.data(), rgb.step()), vprStatusOk);
+      ASSERT_EQ(p.ibgr(sa, bgr.data(), bgr.step()), vprStatusOk);
+      for (int y = 0; y < p.rows; ++y)
+        for (int x = 0; x < p.row_bytes; x += 3) {
+          ASSERT_EQ(bgr.get(x, y), rgb.get(x + 2, y));
+          ASSERT_EQ(bgr.get(x + 1, y), rgb.get(x + 1, y));
+          ASSERT_EQ(bgr.get(x + 2, y), rgb.get(x, y));
+        }
+    }
+  }
+}
+
 // ------------------------------------------------------------ layout
 TEST(McuLayout, YBlocksFollowColumnsThenRows) {
   // Each pixel's grey level encodes its position; the Y block sample of
