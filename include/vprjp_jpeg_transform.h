@@ -22,12 +22,15 @@
  *   tangent constants.  The SSE kernels and their scalar twins give the same
  *   bits for every input, aligned or not, in place or not.
  *   Inverse: row pass (sum + rounder of the row) >> 11 packed with signed
- *   saturation; column pass; >> 6.  The row rounders 65536, 2901, 2260,
- *   1704, 1024, 455, 512, 373 also correct the bias of the truncating column
- *   pass: an all-zero row 1 or 2 still contributes one unit to the column
- *   pass.  Consequently a block holding only a DC value d (after
- *   dequantisation) gives d/8 rounded half up in every sample, except when
- *   d = 8k + 4, where rows 3 and 4 give k (round down) and the other rows k+1.
+ *   saturation; column pass; >> 6.  The row rounders are 65536, 2901, 2260,
+ *   1704, 1024, 455, 512, 373 (rows 0..7); besides rounding they correct the
+ *   bias of the truncating column pass.  Rows 1..7 whose (dequantised)
+ *   coefficients are all zero are skipped: they contribute nothing, their
+ *   rounder included.  Row 0 always carries its rounder (65536, the
+ *   rounding offset of the column pass).  Consequently a block holding only
+ *   a DC value d (after dequantisation) gives d/8 rounded half up,
+ *   (8 d + 32) >> 6 with the row pass saturated to 16 bits, in every sample,
+ *   and the sparse inverses below are exact.
  *   Forward: inputs << 3, column pass, row pass (sum + 2^19) >> 20 packed
  *   with signed saturation, then quantisation
  *     out = sign(c) * min((|c| * r + 16384) >> 15, 32767)

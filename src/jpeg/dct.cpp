@@ -233,9 +233,19 @@ void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst) {
   std::memcpy(dst, blk, sizeof blk);
 }
 
+// Rounder of row r: rows 1..7 whose eight coefficients are all zero are
+// skipped (rounder 0, so they contribute nothing); row 0 always carries its
+// rounder, the rounding offset of the column pass.
+int32_t row_rounder(const int16_t* x, int r) {
+  if (r == 0) return round_i[0];
+  for (int i = 0; i < 8; ++i)
+    if (x[i] != 0) return round_i[r];
+  return 0;
+}
+
 void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) {
   int16_t blk[64], col_in[8], col_out[8];
-  for (int r = 0; r < 8; ++r) idct_row(src + r * 8, tab_i_row[r], round_i[r], blk + r * 8);
+  for (int r = 0; r < 8; ++r) idct_row(src + r * 8, tab_i_row[r], row_rounder(src + r * 8, r), blk + r * 8);
   for (int c = 0; c < 8; ++c) {
     for (int r = 0; r < 8; ++r) col_in[r] = blk[r * 8 + c];
     idct_col(col_in, col_out);

@@ -5,7 +5,9 @@
 //
 // Fixed-point scheme (identical in ref:: and sse::)
 //   inverse rows:  32-bit pair sums with tab_i_xx (wrapping), + round_i_r,
-//                  (even +- odd) >> 11, signed saturation to 16 bits;
+//                  (even +- odd) >> 11, signed saturation to 16 bits; rows
+//                  1..7 whose coefficients are all zero are skipped (output
+//                  zero: their rounder is not added), row 0 never is;
 //   inverse cols:  16-bit saturating butterflies, high-half products
 //                  (a * c) >> 16 with tg_1_16, tg_2_16, tg_3_16 + a,
 //                  cos_4_16 + a; >> 6;
@@ -69,6 +71,8 @@ namespace ref {
 VPR_DCT_KERNELS
 // One column of the inverse column pass (x[0..7] -> y[0..7], >> 6 included).
 void idct_col(const int16_t x[8], int16_t y[8]);
+// Rounder of row r of the inverse row pass: round_i[r], or 0 for an all-zero row r >= 1.
+int32_t row_rounder(const int16_t* x, int r);
 }  // namespace ref
 
 namespace sse {

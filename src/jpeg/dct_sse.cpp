@@ -91,11 +91,20 @@ inline void idct_cols(__m128i* x) {
   x[4] = _mm_srai_epi16(subs(a3, b3), 6);
 }
 
+// Rounder of row r >= 1: 0 when the row is all zero (the row is skipped).
+inline int32_t row_rounder(__m128i x, int r) { return _mm_testz_si128(x, x) ? 0 : round_i[r]; }
+
+// Full inverse of eight coefficient rows (already dequantised) into x[0..7].
+inline void idct_8x8(__m128i* x) {
+  x[0] = idct_row(x[0], tab_i_row[0], round_i[0]);
+  for (int r = 1; r < 8; ++r) x[r] = idct_row(x[r], tab_i_row[r], row_rounder(x[r], r));
+  idct_cols<false>(x);
+}
+
 // Dequantise (16-bit products) and run the full inverse into x[0..7].
 inline void dequant_idct(const int16_t* src, const uint16_t* inv, __m128i* x) {
-  for (int r = 0; r < 8; ++r)
-    x[r] = idct_row(_mm_mullo_epi16(load16(src + 8 * r), load16(inv + 8 * r)), tab_i_row[r], round_i[r]);
-  idct_cols<false>(x);
+  for (int r = 0; r < 8; ++r) x[r] = _mm_mullo_epi16(load16(src + 8 * r), load16(inv + 8 * r));
+  idct_8x8(x);
 }
 
 inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
@@ -106,9 +115,6 @@ inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
     store8(dst + (r + 1) * dst_step, _mm_unpackhi_epi64(p, p));
   }
 }
-
-// Output of an all-zero row of the row pass: its rounder >> 11.
-inline __m128i zero_row(int r) { return _mm_set1_epi16(static_cast<int16_t>(round_i[r] >> 11)); }
 
 // ------------------------------------------------------------ forward
 
@@ -193,8 +199,8 @@ void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst) {
 
 void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) {
   __m128i x[8];
-  for (int r = 0; r < 8; ++r) x[r] = idct_row(load16(src + 8 * r), tab_i_row[r], round_i[r]);
-  idct_cols<false>(x);
+  for (int r = 0; r < 8; ++r) x[r] = load16(src + 8 * r);
+  idct_8x8(x);
   for (int r = 0; r < 8; ++r) store16(dst + 8 * r, x[r]);
 }
 
@@ -292,38 +298,35 @@ void dct_quant_inv_8x8_ls_16s16u(const int16_t* src, uint16_t* dst, int dst_step
 }
 
 void dct_quant_inv_8x8_ls_1x1_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  // Row 0 holds one value in every column (16384 * d + rounder, >> 11), the
-  // other rows their rounders; only the column pass remains.
+  // Rows 1..7 are skipped, row 0 gives (16384 * d + rounder) >> 11 in every
+  // column, and the column pass passes it on unchanged to every row: >> 6.
   const __m128i d = _mm_mullo_epi16(load4(src), load4(inv));
   const __m128i r0 = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(d, _mm_setr_epi16(16384, 0, 0, 0, 0, 0, 0, 0)),
                                                   _mm_set1_epi32(round_i[0])),
                                     11);
-  __m128i x[8];
-  x[0] = _mm_shuffle_epi32(_mm_packs_epi32(r0, r0), 0x00);
-  x[0] = _mm_shufflelo_epi16(_mm_shufflehi_epi16(x[0], 0x00), 0x00);
-  for (int r = 1; r < 8; ++r) x[r] = zero_row(r);
-  idct_cols<false>(x);
-  store_ls_rows(x, dst, dst_step);
+  const __m128i y = _mm_adds_epi16(_mm_srai_epi16(_mm_packs_epi32(r0, r0), 6), _mm_set1_epi16(128));
+  const __m128i p = _mm_shuffle_epi8(_mm_packus_epi16(y, y), _mm_setzero_si128());  // byte 0 everywhere
+  for (int r = 0; r < 8; ++r) store8(dst + r * dst_step, p);
 }
 
 void dct_quant_inv_8x8_ls_2x2_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
-  const __m128i keep2 = _mm_setr_epi16(-1, -1, 0, 0, 0, 0, 0, 0);
+  const __m128i c0 = _mm_mullo_epi16(load4(src), load4(inv));  // lanes 2..7 zero
+  const __m128i c1 = _mm_mullo_epi16(load4(src + 8), load4(inv + 8));
   __m128i x[8];
-  for (int r = 0; r < 2; ++r) {
-    const __m128i c = _mm_and_si128(_mm_mullo_epi16(load4(src + 8 * r), load4(inv + 8 * r)), keep2);
-    x[r] = idct_row_half(c, tab_i_row[r], round_i[r]);
-  }
-  for (int r = 2; r < 8; ++r) x[r] = zero_row(r);
-  idct_cols<false>(x);
+  x[0] = idct_row_half(c0, tab_i_row[0], round_i[0]);
+  x[1] = idct_row_half(c1, tab_i_row[1], row_rounder(c1, 1));
+  x[2] = x[3] = _mm_setzero_si128();  // skipped rows
+  idct_cols<true>(x);
   store_ls_rows(x, dst, dst_step);
 }
 
 void dct_quant_inv_8x8_ls_4x4_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
   __m128i x[8];
-  for (int r = 0; r < 4; ++r)
-    x[r] = idct_row_half(_mm_mullo_epi16(load8(src + 8 * r), load8(inv + 8 * r)), tab_i_row[r], round_i[r]);
-  for (int r = 4; r < 8; ++r) x[r] = zero_row(r);  // rounders below 2048: all zero
-  idct_cols<true>(x);
+  for (int r = 0; r < 4; ++r) {
+    const __m128i c = _mm_mullo_epi16(load8(src + 8 * r), load8(inv + 8 * r));  // lanes 4..7 zero
+    x[r] = idct_row_half(c, tab_i_row[r], r == 0 ? round_i[0] : row_rounder(c, r));
+  }
+  idct_cols<true>(x);  // rows 4..7 skipped
   store_ls_rows(x, dst, dst_step);
 }
 
