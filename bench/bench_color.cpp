@@ -56,6 +56,8 @@ Frame& frame() {
   return f;
 }
 
+// range(0): threads (1, or 0 = all); range(1): rows (2160 = the frame, 16 =
+// a strip that stays in cache: compute rather than memory bound).
 template <class F>
 void run(benchmark::State& s, F&& f) {
   vprbench::use_threads(static_cast<int>(s.range(0)));
@@ -64,119 +66,132 @@ void run(benchmark::State& s, F&& f) {
     benchmark::ClobberMemory();
   }
   vprbench::use_threads(0);
-  vprbench::set_mpix(s, double(kW) * kH);
+  vprbench::set_mpix(s, double(kW) * static_cast<double>(s.range(1)));
 }
 
 // ------------------------------------------------------------------ forward
 
 void BM_Color_RGBToYCbCr444_vpr(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   Vpr8u* d[3] = {f.y.data(), f.cb.data(), f.cr.data()};
-  run(s, [&] { vpriRGBToYCbCr_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, kW, {kW, kH}); });
+  run(s, [&] { vpriRGBToYCbCr_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, kW, {kW, h}); });
 }
 void BM_Color_RGBToYCbCr422_vpr(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   Vpr8u* d[3] = {f.y.data(), f.cb2.data(), f.cr2.data()};
   int steps[3] = {kW, kW / 2, kW / 2};
-  run(s, [&] { vpriRGBToYCbCr422_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, steps, {kW, kH}); });
+  run(s, [&] { vpriRGBToYCbCr422_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, steps, {kW, h}); });
 }
 void BM_Color_RGBToYCbCr420_vpr(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   Vpr8u* d[3] = {f.y.data(), f.q(f.cb4), f.q(f.cr4)};
   int steps[3] = {kW, kW / 2 + 2, kW / 2 + 2};
-  run(s, [&] { vpriRGBToYCbCr411_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, steps, {kW, kH}); });
+  run(s, [&] { vpriRGBToYCbCr411_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, steps, {kW, h}); });
 }
 void BM_Color_RGBToYCbCr420_vpr_planes(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   Vpr8u* d[3] = {f.y.data(), f.cb.data(), f.cr.data()};
   run(s, [&] {
-    vpriRGBToYCbCr_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, kW, {kW, kH});
-    vpriSampleDownH2V2_JPEG_8u_C1R(f.cb.data(), kW, {kW, kH}, f.q(f.cb4), kW / 2 + 2, {kW / 2, kH / 2});
-    vpriSampleDownH2V2_JPEG_8u_C1R(f.cr.data(), kW, {kW, kH}, f.q(f.cr4), kW / 2 + 2, {kW / 2, kH / 2});
+    vpriRGBToYCbCr_JPEG_8u_C3P3R(f.rgb.data(), 3 * kW, d, kW, {kW, h});
+    vpriSampleDownH2V2_JPEG_8u_C1R(f.cb.data(), kW, {kW, h}, f.q(f.cb4), kW / 2 + 2, {kW / 2, h / 2});
+    vpriSampleDownH2V2_JPEG_8u_C1R(f.cr.data(), kW, {kW, h}, f.q(f.cr4), kW / 2 + 2, {kW / 2, h / 2});
   });
 }
-BENCHMARK(BM_Color_RGBToYCbCr444_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_RGBToYCbCr444_vpr)->Arg(1)->Arg(0)->ArgName("threads")->UseRealTime();
-BENCHMARK(BM_Color_RGBToYCbCr422_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_RGBToYCbCr420_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_RGBToYCbCr420_vpr_planes)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_RGBToYCbCr420_vpr_planes)->Arg(1)->Arg(0)->ArgName("threads")->UseRealTime();
+BENCHMARK(BM_Color_RGBToYCbCr444_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_RGBToYCbCr444_vpr)->Args({1, kH})->Args({0, kH})->ArgNames({"threads", "rows"})->UseRealTime();
+BENCHMARK(BM_Color_RGBToYCbCr422_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_RGBToYCbCr420_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_RGBToYCbCr420_vpr_planes)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_RGBToYCbCr420_vpr_planes)->Args({1, kH})->Args({0, kH})->ArgNames({"threads", "rows"})->UseRealTime();
 
 // ------------------------------------------------------------------ inverse
 
 void BM_Color_YCbCrToRGB444_vpr(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   const Vpr8u* p[3] = {f.y.data(), f.cb.data(), f.cr.data()};
-  run(s, [&] { vpriYCbCrToRGB_JPEG_8u_P3C3R(p, kW, f.out.data(), 3 * kW, {kW, kH}); });
+  run(s, [&] { vpriYCbCrToRGB_JPEG_8u_P3C3R(p, kW, f.out.data(), 3 * kW, {kW, h}); });
 }
 void BM_Color_YCbCrToRGB422_vpr(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   const Vpr8u* p[3] = {f.y.data(), f.cb2.data(), f.cr2.data()};
   int steps[3] = {kW, kW / 2, kW / 2};
-  run(s, [&] { vpriYCbCr422ToRGB_JPEG_8u_P3C3R(p, steps, f.out.data(), 3 * kW, {kW, kH}); });
+  run(s, [&] { vpriYCbCr422ToRGB_JPEG_8u_P3C3R(p, steps, f.out.data(), 3 * kW, {kW, h}); });
 }
 void BM_Color_YCbCrToRGB420_vpr(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   const Vpr8u* p[3] = {f.y.data(), f.q(f.cb4), f.q(f.cr4)};
   int steps[3] = {kW, kW / 2 + 2, kW / 2 + 2};
-  run(s, [&] { vpriYCbCr411ToRGB_JPEG_8u_P3C3R(p, steps, f.out.data(), 3 * kW, {kW, kH}); });
+  run(s, [&] { vpriYCbCr411ToRGB_JPEG_8u_P3C3R(p, steps, f.out.data(), 3 * kW, {kW, h}); });
 }
 void BM_Color_YCbCrToRGB420_triangle_vpr(benchmark::State& s) {
   Frame& f = frame();
+  const int h = static_cast<int>(s.range(1));
   const Vpr8u* p[3] = {f.y.data(), f.cb.data(), f.cr.data()};
   const int qs = kW / 2 + 2;
   run(s, [&] {
-    vpriSampleUpH2V2_JPEG_8u_C1R(f.q(f.cb4), qs, {kW / 2, kH / 2}, f.cb.data(), kW, {kW, kH});
-    vpriSampleUpH2V2_JPEG_8u_C1R(f.q(f.cr4), qs, {kW / 2, kH / 2}, f.cr.data(), kW, {kW, kH});
-    vpriYCbCrToRGB_JPEG_8u_P3C3R(p, kW, f.out.data(), 3 * kW, {kW, kH});
+    vpriSampleUpH2V2_JPEG_8u_C1R(f.q(f.cb4), qs, {kW / 2, h / 2}, f.cb.data(), kW, {kW, h});
+    vpriSampleUpH2V2_JPEG_8u_C1R(f.q(f.cr4), qs, {kW / 2, h / 2}, f.cr.data(), kW, {kW, h});
+    vpriYCbCrToRGB_JPEG_8u_P3C3R(p, kW, f.out.data(), 3 * kW, {kW, h});
   });
 }
-BENCHMARK(BM_Color_YCbCrToRGB444_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_YCbCrToRGB444_vpr)->Arg(1)->Arg(0)->ArgName("threads")->UseRealTime();
-BENCHMARK(BM_Color_YCbCrToRGB422_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_YCbCrToRGB420_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_YCbCrToRGB420_triangle_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Color_YCbCrToRGB420_triangle_vpr)->Arg(1)->Arg(0)->ArgName("threads")->UseRealTime();
+BENCHMARK(BM_Color_YCbCrToRGB444_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_YCbCrToRGB444_vpr)->Args({1, kH})->Args({0, kH})->ArgNames({"threads", "rows"})->UseRealTime();
+BENCHMARK(BM_Color_YCbCrToRGB422_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_YCbCrToRGB420_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_YCbCrToRGB420_triangle_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Color_YCbCrToRGB420_triangle_vpr)->Args({1, kH})->Args({0, kH})->ArgNames({"threads", "rows"})->UseRealTime();
 
 // ------------------------------------------------------------------ sampling alone
 
 void BM_Sampling_DownH2V2_vpr(benchmark::State& s) {
   Frame& f = frame();
-  run(s, [&] { vpriSampleDownH2V2_JPEG_8u_C1R(f.cb.data(), kW, {kW, kH}, f.q(f.cb4), kW / 2 + 2, {kW / 2, kH / 2}); });
+  const int h = static_cast<int>(s.range(1));
+  run(s, [&] { vpriSampleDownH2V2_JPEG_8u_C1R(f.cb.data(), kW, {kW, h}, f.q(f.cb4), kW / 2 + 2, {kW / 2, h / 2}); });
 }
 void BM_Sampling_UpH2V2_vpr(benchmark::State& s) {
   Frame& f = frame();
-  run(s, [&] { vpriSampleUpH2V2_JPEG_8u_C1R(f.q(f.cb4), kW / 2 + 2, {kW / 2, kH / 2}, f.cb.data(), kW, {kW, kH}); });
+  const int h = static_cast<int>(s.range(1));
+  run(s, [&] { vpriSampleUpH2V2_JPEG_8u_C1R(f.q(f.cb4), kW / 2 + 2, {kW / 2, h / 2}, f.cb.data(), kW, {kW, h}); });
 }
-BENCHMARK(BM_Sampling_DownH2V2_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Sampling_DownH2V2_vpr)->Arg(1)->Arg(0)->ArgName("threads")->UseRealTime();
-BENCHMARK(BM_Sampling_UpH2V2_vpr)->Arg(1)->ArgName("threads");
-BENCHMARK(BM_Sampling_UpH2V2_vpr)->Arg(1)->Arg(0)->ArgName("threads")->UseRealTime();
+BENCHMARK(BM_Sampling_DownH2V2_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Sampling_DownH2V2_vpr)->Args({1, kH})->Args({0, kH})->ArgNames({"threads", "rows"})->UseRealTime();
+BENCHMARK(BM_Sampling_UpH2V2_vpr)->Args({1, kH})->Args({1, 16})->ArgNames({"threads", "rows"});
+BENCHMARK(BM_Sampling_UpH2V2_vpr)->Args({1, kH})->Args({0, kH})->ArgNames({"threads", "rows"})->UseRealTime();
 
 // ------------------------------------------------------------------ libjpeg-turbo
 
 #if VPR_HAVE_TURBOJPEG
+// range(0): rows.
 void turbo_encode(benchmark::State& s, int samp) {
   Frame& f = frame();
+  const int rows = static_cast<int>(s.range(0));
   tjhandle h = tjInitCompress();
-  std::vector<uint8_t> yuv(tjBufSizeYUV2(kW, 1, kH, samp));
+  std::vector<uint8_t> yuv(tjBufSizeYUV2(kW, 1, rows, samp));
   for (auto _ : s) {
-    if (tjEncodeYUV3(h, f.rgb.data(), kW, 3 * kW, kH, TJPF_RGB, yuv.data(), 1, samp, 0) != 0) {
+    if (tjEncodeYUV3(h, f.rgb.data(), kW, 3 * kW, rows, TJPF_RGB, yuv.data(), 1, samp, 0) != 0) {
       s.SkipWithError(tjGetErrorStr2(h));
       break;
     }
     benchmark::ClobberMemory();
   }
   tjDestroy(h);
-  vprbench::set_mpix(s, double(kW) * kH);
+  vprbench::set_mpix(s, double(kW) * rows);
 }
 void turbo_decode(benchmark::State& s, int samp, int flags) {
   Frame& f = frame();
+  const int rows = static_cast<int>(s.range(0));
   tjhandle ec = tjInitCompress(), h = tjInitDecompress();
-  std::vector<uint8_t> yuv(tjBufSizeYUV2(kW, 1, kH, samp));
-  tjEncodeYUV3(ec, f.rgb.data(), kW, 3 * kW, kH, TJPF_RGB, yuv.data(), 1, samp, 0);
+  std::vector<uint8_t> yuv(tjBufSizeYUV2(kW, 1, rows, samp));
+  tjEncodeYUV3(ec, f.rgb.data(), kW, 3 * kW, rows, TJPF_RGB, yuv.data(), 1, samp, 0);
   for (auto _ : s) {
-    if (tjDecodeYUV(h, yuv.data(), 1, samp, f.out.data(), kW, 3 * kW, kH, TJPF_RGB, flags) != 0) {
+    if (tjDecodeYUV(h, yuv.data(), 1, samp, f.out.data(), kW, 3 * kW, rows, TJPF_RGB, flags) != 0) {
       s.SkipWithError(tjGetErrorStr2(h));
       break;
     }
@@ -184,7 +199,7 @@ void turbo_decode(benchmark::State& s, int samp, int flags) {
   }
   tjDestroy(ec);
   tjDestroy(h);
-  vprbench::set_mpix(s, double(kW) * kH);
+  vprbench::set_mpix(s, double(kW) * rows);
 }
 void BM_Color_RGBToYCbCr444_turbojpeg(benchmark::State& s) { turbo_encode(s, TJSAMP_444); }
 void BM_Color_RGBToYCbCr422_turbojpeg(benchmark::State& s) { turbo_encode(s, TJSAMP_422); }
@@ -192,12 +207,12 @@ void BM_Color_RGBToYCbCr420_turbojpeg(benchmark::State& s) { turbo_encode(s, TJS
 void BM_Color_YCbCrToRGB444_turbojpeg(benchmark::State& s) { turbo_decode(s, TJSAMP_444, 0); }
 void BM_Color_YCbCrToRGB422_turbojpeg(benchmark::State& s) { turbo_decode(s, TJSAMP_422, TJFLAG_FASTUPSAMPLE); }
 void BM_Color_YCbCrToRGB420_turbojpeg(benchmark::State& s) { turbo_decode(s, TJSAMP_420, TJFLAG_FASTUPSAMPLE); }
-BENCHMARK(BM_Color_RGBToYCbCr444_turbojpeg);
-BENCHMARK(BM_Color_RGBToYCbCr422_turbojpeg);
-BENCHMARK(BM_Color_RGBToYCbCr420_turbojpeg);
-BENCHMARK(BM_Color_YCbCrToRGB444_turbojpeg);
-BENCHMARK(BM_Color_YCbCrToRGB422_turbojpeg);
-BENCHMARK(BM_Color_YCbCrToRGB420_turbojpeg);
+BENCHMARK(BM_Color_RGBToYCbCr444_turbojpeg)->Arg(kH)->Arg(16)->ArgName("rows");
+BENCHMARK(BM_Color_RGBToYCbCr422_turbojpeg)->Arg(kH)->Arg(16)->ArgName("rows");
+BENCHMARK(BM_Color_RGBToYCbCr420_turbojpeg)->Arg(kH)->Arg(16)->ArgName("rows");
+BENCHMARK(BM_Color_YCbCrToRGB444_turbojpeg)->Arg(kH)->Arg(16)->ArgName("rows");
+BENCHMARK(BM_Color_YCbCrToRGB422_turbojpeg)->Arg(kH)->Arg(16)->ArgName("rows");
+BENCHMARK(BM_Color_YCbCrToRGB420_turbojpeg)->Arg(kH)->Arg(16)->ArgName("rows");
 #endif
 
 }  // namespace
