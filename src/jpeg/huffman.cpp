@@ -25,11 +25,6 @@ alignas(64) const int32_t own_pj_csize[256] = {
 alignas(64) const int32_t own_pj_lowest_coef[16] = {0,     -1,    -3,    -7,     -15,    -31,    -63,    -127,
                                                     -255,  -511,  -1023, -2047,  -4095,  -8191,  -16383, -32767};
 
-alignas(64) const int32_t own_pj_izigzag_index_huff[72] = {
-    0,  1,  8,  16, 9,  2,  3,  10, 17, 24, 32, 25, 18, 11, 4,  5,  12, 19, 26, 33, 40, 48, 41, 34,
-    27, 20, 13, 6,  7,  14, 21, 28, 35, 42, 49, 56, 57, 50, 43, 36, 29, 22, 15, 23, 30, 37, 44, 51,
-    58, 59, 52, 45, 38, 31, 39, 46, 53, 60, 61, 54, 47, 55, 62, 63, 63, 63, 63, 63, 63, 63, 63, 63};
-
 // ------------------------------------------------------------ builders
 VprStatus build_encode_spec(const uint8_t* counts, const uint8_t* values, EncodeHuffmanSpecLayout* spec) {
   std::memset(spec, 0, sizeof *spec);
@@ -352,7 +347,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
   }
   int run = 0;
   for (int k = 1; k < 64; ++k) {
-    const int32_t v = pSrc[own_pj_izigzag_index_huff[k]];
+    const int32_t v = pSrc[own_pj_izigzag_index[k]];
     if (v == 0) {
       ++run;
       continue;
@@ -405,7 +400,7 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
         st = vprStatusError;
         goto fail;
       }
-      pDst[own_pj_izigzag_index_huff[k]] = static_cast<int16_t>(v);
+      pDst[own_pj_izigzag_index[k]] = static_cast<int16_t>(v);
       ++k;
     } else if (r == 15) {
       k += 16;
@@ -486,7 +481,7 @@ VprStatus encode_block_8x8_direct(const int16_t* pSrc, uint8_t* pDst, int dstLen
   if (s > 0) bp.put(value_bits(diff, s), s);
   int run = 0;
   for (int k = 1; k < 64; ++k) {
-    const int32_t v = pSrc[own_pj_izigzag_index_huff[k]];
+    const int32_t v = pSrc[own_pj_izigzag_index[k]];
     if (v == 0) {
       ++run;
       continue;
@@ -554,7 +549,7 @@ VprStatus decode_block_8x8_direct(const uint8_t* pSrc, int srcLen, int* pSrcBitP
       st = value(t, &v);
       if (st < 0) return st;
       if (k > 63) return vprStatusError;
-      pDst[own_pj_izigzag_index_huff[k]] = static_cast<int16_t>(v);
+      pDst[own_pj_izigzag_index[k]] = static_cast<int16_t>(v);
       ++k;
     } else if (r == 15) {
       k += 16;

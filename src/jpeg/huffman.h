@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+#include "jpeg/zigzag.h"
 #include "vprjp_jpeg_huffman.h"
 
 namespace vpr::jpeg {
@@ -68,10 +69,6 @@ extern const int32_t own_pj_csize[256];
 // own_pj_lowest_coef[t]: lowest value of category t, 1 - 2^t (t = 0..15);
 // added to t value bits whose top bit is 0.
 extern const int32_t own_pj_lowest_coef[16];
-// Zig-zag position -> natural position, 64 entries then eight 63s.  The
-// transform family exports the same order; this copy keeps the Huffman
-// coders self-contained.
-extern const int32_t own_pj_izigzag_index_huff[72];
 
 // Magnitude category of a value whose magnitude is below 65536.
 inline int category_of(int32_t v) {

@@ -68,7 +68,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
   if (pos < 0 || static_cast<int64_t>(dstLen) - pos < kEncodeRoom) return kDeclined;
 
   alignas(16) int16_t zz[64];
-  for (int k = 0; k < 64; ++k) zz[k] = pSrc[own_pj_izigzag_index_huff[k]];
+  for (int k = 0; k < 64; ++k) zz[k] = pSrc[own_pj_izigzag_index[k]];
   const __m128i zero = _mm_setzero_si128();
   uint64_t zmask = 0;
   for (int i = 0; i < 4; ++i) {
@@ -250,7 +250,7 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
       }
       const int32_t v = (bits >> (t - 1)) ? static_cast<int32_t>(bits)
                                           : static_cast<int32_t>(bits) + own_pj_lowest_coef[t];
-      pDst[own_pj_izigzag_index_huff[k]] = static_cast<int16_t>(v);
+      pDst[own_pj_izigzag_index[k]] = static_cast<int16_t>(v);
       ++k;
     } else if (run == 15) {
       k += 16;

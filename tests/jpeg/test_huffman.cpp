@@ -297,8 +297,8 @@ TEST(HuffmanSpec, ConstantTables) {
   for (int t = 0; t < 16; ++t) EXPECT_EQ(vj::own_pj_lowest_coef[t], 1 - (1 << t));
   const std::vector<int> zz = zigzag_order();
   ASSERT_EQ(zz.size(), 64u);
-  for (int k = 0; k < 64; ++k) EXPECT_EQ(vj::own_pj_izigzag_index_huff[k], zz[k]) << k;
-  for (int k = 64; k < 72; ++k) EXPECT_EQ(vj::own_pj_izigzag_index_huff[k], 63);
+  for (int k = 0; k < 64; ++k) EXPECT_EQ(vj::own_pj_izigzag_index[k], zz[k]) << k;
+  for (int k = 64; k < 72; ++k) EXPECT_EQ(vj::own_pj_izigzag_index[k], 63);
   for (int v = -65535; v <= 65535; v += 7) {
     const int a = v < 0 ? -v : v;
     int bl = 0;
@@ -788,8 +788,12 @@ TEST(HuffmanBlock, DecoderFailuresLeaveExactState) {
         // A lone 0xFF as the last byte ends the input before any bit is
         // used (its stuffed 0x00 was cut off).
         const bool lone_ff = cut > 0 && full[cut - 1] == 0xFF;
-        if (cut >= 2 && !lone_ff) EXPECT_EQ(dc, 100) << cut << " path " << path;
-        if (cut >= 4 && !lone_ff) EXPECT_EQ(dst[zz[1]], 5) << cut;
+        if (cut >= 2 && !lone_ff) {
+          EXPECT_EQ(dc, 100) << cut << " path " << path;
+        }
+        if (cut >= 4 && !lone_ff) {
+          EXPECT_EQ(dst[zz[1]], 5) << cut;
+        }
         for (int k = 10; k < 64; ++k) ASSERT_EQ(dst[zz[k]], 0);
       }
     }
@@ -879,7 +883,9 @@ TEST(HuffmanBlock, FastAndCarefulDecodersAgreeOnAnyBytes) {
     int16_t blk[64];
     random_block(rng, blk, i % 3 == 0 ? 0.9 : 0.3, i % 7 == 0);
     ASSERT_EQ(c.enc(blk), vprStatusOk);
-    if (i % 40 == 39) ASSERT_EQ(c.flush(), vprStatusOk);
+    if (i % 40 == 39) {
+      ASSERT_EQ(c.flush(), vprStatusOk);
+    }
   }
   ASSERT_EQ(c.flush(), vprStatusOk);
   const std::vector<uint8_t> clean = c.bytes();
