@@ -42,7 +42,10 @@
  *        -x -> 0.0f-x.  Forward and inverse are inverses up to rounding.
  * The integer forms are lossless: the inverse undoes the forward exactly
  * for any input (16s wrap-around included).  A block of sixteen equal
- * values c becomes 4c at a and zeros elsewhere; zeros stay zeros.
+ * values c becomes 4c at a (when 4c fits the type) and zeros elsewhere;
+ * zeros stay zeros.  The 32s forms, and the 16s forms wherever no value
+ * leaves 16 bits, give exactly the values of the JPEG XR reference
+ * software's 4x4 core transform.
  *
  * No second-stage (DC) transform and no overlap filtering: a codec gathers
  * the DC values itself (sixteen DC values form a 4x4 region that
@@ -158,8 +161,9 @@ VPR_API VprStatus vpriVLCScanReset_JPEGXR(void* pState, int scan);
 
 /* Scans a 4x4 block of DC-band coefficients in the current order of scan 2
  * (and makes scan 2 current).  Arguments: pSrc (16 coefficients, natural
- * order), modelBits b, pDst (16 outputs), pRunLevel (up to 15 pairs run,
- * level), pNumPairs, pState.  Checks: pSrc, pDst, pRunLevel, pNumPairs,
+ * order), modelBits b, pDst (16 outputs), pRunLevel (room for 15 pairs
+ * run, level; only the first 2 x *pNumPairs values are written),
+ * pNumPairs, pState.  Checks: pSrc, pDst, pRunLevel, pNumPairs,
  * pState NULL -> -8 (in this order); b above 15 -> -7 (negative b -> -7 as
  * well: no mask exists for it).
  *
@@ -173,7 +177,9 @@ VPR_API VprStatus vpriVLCScanReset_JPEGXR(void* pState, int scan);
  *              c; the entry's total is incremented and, when it is now
  *              strictly above the total of the entry before it, the two
  *              entries swap at once (the visiting order of this block does
- *              not change; the next block sees the new order).
+ *              not change; the next block sees the new order; entry 1
+ *              never swaps with the sentinel, whatever its total).
+ * |c| is taken as an unsigned 32-bit value (|INT32_MIN| = 2^31).
  * With b = 0 every non-zero coefficient becomes a level equal to the
  * coefficient itself, so all fifteen outputs are 0; the totals adapt
  * exactly as above.  pDst[0] is never written; pDst may equal pSrc.
