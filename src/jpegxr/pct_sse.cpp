@@ -2,19 +2,24 @@
 //
 // Blocks are transposed so that one vector holds one block position (a..p)
 // of several blocks: 8 blocks per vector for 16s, 4 for 32s and 32f.  The
-// lifting then runs on whole vectors.  Blocks are independent, so a group
-// may take its blocks from different block rows; groups are filled in
-// raster order and only the last group of a region can be partial.
+// lifting then runs on whole vectors, two such groups side by side so the
+// dependency chains of one hide the latency of the other.  Blocks are
+// independent, so a group may take its blocks from different block rows;
+// slots are filled in raster order, and only the last groups of a region
+// (or groups holding a lone 4-wide block at the right edge, 16s) take the
+// general path with partial loads.
 //
 // 16s exactness: the assignments wrap to 16 bits, but the values inside an
 // expression must be exact.  The shift terms are rewritten into forms that
 // never leave 16 bits:
-//   (A-B+0)>>1  = avg_epu16(A^0x8000, B^0x7fff) ^ 0x8000   (17-bit average)
+//   (A-B+0)>>1  = avg_epu16(A^0x8000, B^0x7fff) ^ 0x8000   (17-bit average;
+//                 its low 16 bits, all that the wrapping sums using t need)
 //   (A-B+1)>>1  = -((B-A+0)>>1)
 //   (x+1)>>1    = x - (x>>1)
 //   (3x+4)>>3   = mulhrs(x, 12288)      ((12288x + 2^14) >> 15)
 //   (3x+3)>>2   = x - (x>>2)
 //   (3x+3)>>3   = (x - (x>>2)) >> 1
+// 32s keeps the literal 32-bit wrapping forms (3x = x+x+x).
 #include <cstring>
 
 #include "core/simd.h"
