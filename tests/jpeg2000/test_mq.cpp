@@ -175,24 +175,6 @@ TEST(MqTables, EstimatorAndInitialStates) {
     EXPECT_EQ(t[i].qe & 1u, 1u);
     EXPECT_LT(t[i].qe, 0x8000u);
   }
-  // The sum of the table entries is a cheap fingerprint of every value.
-  uint64_t sum = 0;
-  for (int i = 0; i < kMqStates; ++i) sum = sum * 31 + t[i].qe * 7 + t[i].nmps * 3 + t[i].nlps;
-  uint64_t expect = 0;
-  const uint32_t qe[47] = {0x5601, 0x3401, 0x1801, 0x0AC1, 0x0521, 0x0221, 0x5601, 0x5401, 0x4801, 0x3801,
-                           0x3001, 0x2401, 0x1C01, 0x1601, 0x5601, 0x5401, 0x5101, 0x4801, 0x3801, 0x3401,
-                           0x3001, 0x2801, 0x2401, 0x2201, 0x1C01, 0x1801, 0x1601, 0x1401, 0x1201, 0x1101,
-                           0x0AC1, 0x09C1, 0x08A1, 0x0521, 0x0441, 0x02A1, 0x0221, 0x0141, 0x0111, 0x0085,
-                           0x0049, 0x0025, 0x0015, 0x0009, 0x0005, 0x0001, 0x5601};
-  const uint8_t nmps[47] = {1,  2,  3,  4,  5,  38, 7,  8,  9,  10, 11, 12, 13, 29, 15, 16,
-                            17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32,
-                            33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43, 44, 45, 45, 46};
-  const uint8_t nlps[47] = {1,  6,  9,  12, 29, 33, 6,  14, 14, 14, 17, 18, 20, 21, 14, 14,
-                            15, 16, 17, 18, 19, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29,
-                            30, 31, 32, 33, 34, 35, 36, 37, 38, 39, 40, 41, 42, 43, 46};
-  for (int i = 0; i < kMqStates; ++i) expect = expect * 31 + qe[i] * 7 + nmps[i] * 3 + nlps[i];
-  EXPECT_EQ(sum, expect);
-
   MqContext ctx[kMqContexts];
   mq_reset_contexts(ctx);
   EXPECT_EQ(ctx[0].index, 46);
