@@ -221,6 +221,29 @@ class Decoder {
     alignas(16) int16_t blk[6 * 64];
     alignas(16) uint8_t edge[16 * 16 * 3];
     const int len = static_cast<int>(std::min<size_t>(n_, 0x7FFFFFFF));
+    // The blocks of one MCU in scan order, each with its tables and its
+    // place in the MCU layout (Y blocks, then Cb, then Cr).
+    struct Block {
+      int16_t* coef;
+      Vpr16s* prev_dc;
+      const VprDecodeHuffmanSpec *dc, *ac;
+      const Vpr16u* q;
+    };
+    Block plan[6];
+    int nplan = 0;
+    for (int i = 0; i < ncomp_; ++i) {
+      const int ci = order_[i];
+      Component& c = comp_[ci];
+      const int first = ci == 0 ? 0 : y_blocks + ci - 1;
+      const int count = ci == 0 && ncomp_ == 3 ? y_blocks : 1;
+      for (int b = first; b < first + count; ++b)
+        plan[nplan++] = {blk + 64 * b, &c.prev_dc, dc_[c.td].get(), ac_[c.ta].get(), qinv_[c.tq]};
+    }
+    using McuOut = VprStatus (*)(const Vpr16s*[3], Vpr8u*, int);
+    const McuOut convert = y_blocks == 1   ? vpriYCbCr444ToRGBLS_MCU_16s8u_P3C3R
+                           : y_blocks == 2 ? vpriYCbCr422ToRGBLS_MCU_16s8u_P3C3R
+                                           : vpriYCbCr411ToRGBLS_MCU_16s8u_P3C3R;
+    const Vpr16s* mcu[3] = {blk, blk + 64 * y_blocks, blk + 64 * (y_blocks + 1)};
     int p = static_cast<int>(pos_);
     int m = 0;
     for (int my = 0; my < mcus_y; ++my)
@@ -230,16 +253,11 @@ class Decoder {
           if (std::string e = restart(); !e.empty()) return e;
           p = static_cast<int>(pos_);
         }
-        // Entropy decoding, in scan order; blocks land in MCU layout.
-        for (int i = 0; i < ncomp_; ++i) {
-          Component& c = comp_[order_[i]];
-          const int first = order_[i] == 0 ? 0 : y_blocks + order_[i] - 1;
-          const int count = order_[i] == 0 && ncomp_ == 3 ? y_blocks : 1;
-          for (int b = first; b < first + count; ++b) {
-            const VprStatus st = vpriDecodeHuffman8x8_JPEG_1u16s_C1(d_, len, &p, blk + 64 * b, &c.prev_dc, &marker_,
-                                                                     dc_[c.td].get(), ac_[c.ta].get(), state_.get());
-            if (st != vprStatusOk) return entropy_error(st, mx, my);
-          }
+        for (int k = 0; k < nplan; ++k) {
+          const Block& b = plan[k];
+          const VprStatus st =
+              vpriDecodeHuffman8x8_JPEG_1u16s_C1(d_, len, &p, b.coef, b.prev_dc, &marker_, b.dc, b.ac, state_.get());
+          if (st != vprStatusOk) return entropy_error(st, mx, my);
         }
         const int x0 = mx * mcu_w, y0 = my * mcu_h;
         const bool inside = x0 + mcu_w <= width_ && y0 + mcu_h <= height_;
@@ -247,16 +265,13 @@ class Decoder {
         const int step = inside ? stride : mcu_w * ncomp_;
         VprStatus st;
         if (ncomp_ == 1) {
-          st = vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(blk, dst, step, qinv_[comp_[0].tq]);
+          st = vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(blk, dst, step, plan[0].q);
         } else {
-          for (int b = 0; b < y_blocks + 2; ++b) {
-            st = vpriDCTQuantInv8x8_JPEG_16s_C1I(blk + 64 * b, qinv_[comp_[b < y_blocks ? 0 : b - y_blocks + 1].tq]);
+          for (int k = 0; k < nplan; ++k) {
+            st = vpriDCTQuantInv8x8_JPEG_16s_C1I(plan[k].coef, plan[k].q);
             if (st != vprStatusOk) return status_text("inverse DCT", st);
           }
-          const Vpr16s* src[3] = {blk, blk + 64 * y_blocks, blk + 64 * (y_blocks + 1)};
-          if (y_blocks == 1) st = vpriYCbCr444ToRGBLS_MCU_16s8u_P3C3R(src, dst, step);
-          else if (y_blocks == 2) st = vpriYCbCr422ToRGBLS_MCU_16s8u_P3C3R(src, dst, step);
-          else st = vpriYCbCr411ToRGBLS_MCU_16s8u_P3C3R(src, dst, step);
+          st = convert(mcu, dst, step);
         }
         if (st != vprStatusOk) return status_text("MCU output", st);
         if (!inside) {
