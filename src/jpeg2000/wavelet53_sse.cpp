@@ -377,17 +377,22 @@ void fwd_2d(T* p, int step, int w, int h, int px, int py, T* buf) {
     y = y < 0 ? -y : (y >= h ? 2 * (h - 1) - y : y);
     return rp(p, step, y);
   };
-  // Vertical lifting on whole rows, in place (rows stay interleaved); each
+  // Vertical lifting on whole rows, in place (rows stay interleaved): one
+  // step per low row r predicts the high row below it and updates r; each
   // row gets its horizontal pass as soon as no later vertical step reads it.
-  int nextHigh = py ? 0 : 1, hdone = 0;
+  if (py) rows_op<T, kPredict>(row(0), row(0), row(1), row(1), w);
+  int hdone = 0;
   for (int r = py; r < h; r += 2) {
-    for (; nextHigh <= r + 1 && nextHigh < h; nextHigh += 2)
-      rows_op<T, kPredict>(row(nextHigh), row(nextHigh), row(nextHigh - 1), row(nextHigh + 1), w);
-    rows_op<T, kUpdate>(row(r), row(r), row(r - 1), row(r + 1), w);
+    if (r == 0) {  // the update reads high row 1 on both sides
+      rows_op<T, kPredict>(row(1), row(1), row(0), row(2), w);
+      rows_op<T, kUpdate>(row(0), row(0), row(1), row(1), w);
+    } else if (r + 1 < h) {
+      fwd_lift<T, false, true>(row(r), row(r + 1), row(r + 2), row(r), row(r - 1), row(r + 1), w, nullptr, nullptr);
+    } else {
+      rows_op<T, kUpdate>(row(r), row(r), row(r - 1), row(r - 1), w);
+    }
     for (; hdone <= r; ++hdone) hrow_fwd(row(hdone), w, px, buf);
   }
-  for (; nextHigh < h; nextHigh += 2)
-    rows_op<T, kPredict>(row(nextHigh), row(nextHigh), row(nextHigh - 1), row(nextHigh + 1), w);
   for (; hdone < h; ++hdone) hrow_fwd(row(hdone), w, px, buf);
   if constexpr (kPermute) {
     const int nL = low_count(h, py);
@@ -442,16 +447,23 @@ void inv_2d(T* p, int step, int w, int h, int px, int py, T* buf) {
     y = y < 0 ? -y : (y >= h ? 2 * (h - 1) - y : y);
     return rp(p, step, y);
   };
-  int nextHigh = py ? 0 : 1, hdone = 0;
+  // One step per low row r: undo its update and undo the prediction of the
+  // high row above it; rows get their horizontal pass just before use.
+  int hdone = 0;
+  auto horizontal_upto = [&](int y) {
+    for (; hdone <= y && hdone < h; ++hdone) hrow_inv(row(hdone), w, px, buf);
+  };
   for (int r = py; r < h; r += 2) {
-    for (; hdone <= r + 1 && hdone < h; ++hdone) hrow_inv(row(hdone), w, px, buf);
-    rows_op<T, kUnupdate>(row(r), row(r), row(r - 1), row(r + 1), w);
-    for (; nextHigh <= r - 1; nextHigh += 2)
-      rows_op<T, kUnpredict>(row(nextHigh), row(nextHigh), row(nextHigh - 1), row(nextHigh + 1), w);
+    horizontal_upto(r + 1);
+    if (r < 2) {
+      rows_op<T, kUnupdate>(row(r), row(r), row(r - 1), row(r + 1), w);
+      if (r == 1) rows_op<T, kUnpredict>(row(0), row(0), row(1), row(1), w);
+    } else {
+      inv_lift<T, false, true>(row(r), row(r - 1), row(r + 1), row(r - 2), row(r - 1), row(r), w, nullptr, nullptr);
+    }
   }
-  for (; hdone < h; ++hdone) hrow_inv(row(hdone), w, px, buf);
-  for (; nextHigh < h; nextHigh += 2)
-    rows_op<T, kUnpredict>(row(nextHigh), row(nextHigh), row(nextHigh - 1), row(nextHigh + 1), w);
+  horizontal_upto(h - 1);
+  if ((h - 1 + py) & 1) rows_op<T, kUnpredict>(row(h - 1), row(h - 1), row(h - 2), row(h - 2), w);
 }
 
 // ---------------------------------------------------------------- row forms
