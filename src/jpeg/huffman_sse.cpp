@@ -27,6 +27,29 @@ inline int bit_length(uint32_t a) { return a ? 32 - __builtin_clz(a) : 0; }
 // stuffing, plus the 4-byte store granularity.
 constexpr int kEncodeRoom = 560;
 
+// t[row][byte]: the zig-zag positions (as bits) of the non-zero
+// coefficients of one row of the block given as an 8-bit column mask.
+struct ZigZagBits {
+  uint64_t t[8][256];
+};
+constexpr ZigZagBits make_zigzag_bits() {
+  int zpos[64] = {};
+  int k = 0;
+  for (int s = 0; s < 15; ++s)  // anti-diagonals, alternating direction
+    for (int i = 0; i < 8; ++i) {
+      const int r = (s % 2 == 0) ? (s < 8 ? s - i : 7 - i) : (s < 8 ? i : s - 7 + i);
+      const int c = s - r;
+      if (r >= 0 && r < 8 && c >= 0 && c < 8) zpos[r * 8 + c] = k++;
+    }
+  ZigZagBits z{};
+  for (int r = 0; r < 8; ++r)
+    for (int m = 0; m < 256; ++m)
+      for (int c = 0; c < 8; ++c)
+        if (m & (1 << c)) z.t[r][m] |= uint64_t{1} << zpos[r * 8 + c];
+  return z;
+}
+alignas(64) constexpr ZigZagBits kZigZagBits = make_zigzag_bits();
+
 struct Writer {
   uint8_t* out;
   uint64_t bb;  // right-aligned; only the low n bits matter
@@ -67,16 +90,19 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
   const int pos = *pDstPosition;
   if (pos < 0 || static_cast<int64_t>(dstLen) - pos < kEncodeRoom) return kDeclined;
 
-  alignas(16) int16_t zz[64];
-  for (int k = 0; k < 64; ++k) zz[k] = pSrc[own_pj_izigzag_index[k]];
+  // Non-zero mask in zig-zag order: a natural-order mask from SSE compares,
+  // then each row's byte mapped to its zig-zag bits through a table.
   const __m128i zero = _mm_setzero_si128();
-  uint64_t zmask = 0;
+  uint32_t rows[4];
   for (int i = 0; i < 4; ++i) {
-    const __m128i a = _mm_cmpeq_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(zz + 16 * i)), zero);
-    const __m128i b = _mm_cmpeq_epi16(_mm_load_si128(reinterpret_cast<const __m128i*>(zz + 16 * i + 8)), zero);
-    zmask |= static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(a, b)))) << (16 * i);
+    const __m128i a = _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc + 16 * i)), zero);
+    const __m128i b = _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(pSrc + 16 * i + 8)), zero);
+    rows[i] = ~static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(a, b))) & 0xFFFFu;
   }
-  uint64_t nz = ~zmask & ~uint64_t{1};
+  const ZigZagBits& zt = kZigZagBits;
+  uint64_t nz = zt.t[0][rows[0] & 0xFF] | zt.t[1][rows[0] >> 8] | zt.t[2][rows[1] & 0xFF] | zt.t[3][rows[1] >> 8] |
+                zt.t[4][rows[2] & 0xFF] | zt.t[5][rows[2] >> 8] | zt.t[6][rows[3] & 0xFF] | zt.t[7][rows[3] >> 8];
+  nz &= ~uint64_t{1};
 
   const int c = state->nbits;
   Writer w{pDst + pos, c ? (state->acc >> (24 - c)) & ((1u << c) - 1u) : 0u, c, state->acc >> 24};
@@ -108,7 +134,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
         run -= 16;
       } while (run > 15);
     }
-    const int32_t v = zz[k];
+    const int32_t v = pSrc[own_pj_izigzag_index[k]];
     const int32_t sgn = v >> 31;
     const int s = bit_length(static_cast<uint32_t>((v ^ sgn) - sgn));
     const int sym = run * 16 + s;
@@ -248,8 +274,9 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
         st = vprStatusError;
         goto fail;
       }
-      const int32_t v = (bits >> (t - 1)) ? static_cast<int32_t>(bits)
-                                          : static_cast<int32_t>(bits) + own_pj_lowest_coef[t];
+      // Sign extension without a branch: add 1 - 2^t when the top bit is 0.
+      const uint32_t low = (bits >> (t - 1)) - 1u;  // all ones when the top bit is 0
+      const int32_t v = static_cast<int32_t>(bits + (low & static_cast<uint32_t>(own_pj_lowest_coef[t])));
       pDst[own_pj_izigzag_index[k]] = static_cast<int16_t>(v);
       ++k;
     } else if (run == 15) {
