@@ -35,7 +35,8 @@
  *   with signed saturation, then quantisation
  *     out = sign(c) * min((|c| * r + 16384) >> 15, 32767)
  *   i.e. c * r / 32768 rounded to nearest, halves away from zero.  Intended
- *   for level-shifted 8-bit data (|input| <= 2048); larger inputs saturate.
+ *   for level-shifted 8-bit samples (-128..127); the 16-bit column sums
+ *   saturate for large inputs (a flat block beyond +-511).
  *   Dequantisation in the 8-bit inverses is the 16-bit product c * q
  *   (low 16 bits kept, wrapping).
  *
