@@ -118,9 +118,10 @@ VPR_API VprStatus vpriDCTQuantFwd8x8LS_JPEG_8u16s_C1R(const Vpr8u* pSrc, int src
 /* 12-bit samples (0..4095; other values are taken as they are) minus 2048,
  * single-precision forward DCT with the JPEG scaling
  *   F(v,u) = C(u) C(v) / 4 * sum f(y,x) cos((2x+1)u pi/16) cos((2y+1)v pi/16)
- * (C(0) = 1/sqrt(2), else 1), evaluated as ordered sums over unnormalised
- * cosines, columns first, then multiplied by C(u) C(v) / 4 (exactly 1/8 at
- * DC, so flat blocks are exact), then
+ * (C(0) = 1/sqrt(2), else 1), evaluated as unnormalised 8-point even/odd
+ * butterflies with a fixed order of operations, columns first, then
+ * multiplied by C(u) C(v) / 4 (exactly 1/8 at DC, so flat blocks are exact),
+ * then
  *   out = saturate16(round_to_nearest_even(F * t))
  * with the float table t (normally 1/q in natural order, built by
  * vpriQuantFwdTableInit_JPEG_8u32f; any table is accepted; products beyond
@@ -143,9 +144,9 @@ VPR_API VprStatus vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(const Vpr16s* pSrc, Vpr8u*
                                                       const Vpr16u* pInvQuantTable);
 
 /* 12-bit output: dequantise in 32 bits (c * q, no wrap), scale by
- * C(u) C(v) / 4 in single precision, inverse DCT over unnormalised cosines
- * (rows first, ordered sums), add 2048, clamp to 0..4095, round to nearest
- * even.  Same quantiser table as the 8-bit inverse.
+ * C(u) C(v) / 4 in single precision, unnormalised 8-point inverse
+ * butterflies (rows first, fixed order of operations), add 2048, clamp to
+ * 0..4095, round to nearest even.  Same quantiser table as the 8-bit inverse.
  * Checks as vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R. */
 VPR_API VprStatus vpriDCTQuantInv8x8LS_JPEG_16s16u_C1R(const Vpr16s* pSrc, Vpr16u* pDst, int dstStep,
                                                        const Vpr16u* pInvQuantTable);

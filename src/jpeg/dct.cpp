@@ -53,16 +53,6 @@ const int16_t* const tab_f_row[8] = {tab_f_04, tab_f_17, tab_f_26, tab_f_35, tab
 
 const int32_t round_i[8] = {65536, 2901, 2260, 1704, 1024, 455, 512, 373};
 
-alignas(16) const float dct_cos_8[8][8] = {
-    {1.0f, 1.0f, 1.0f, 1.0f, 1.0f, 1.0f, 1.0f, 1.0f},
-    {0.980785251f, 0.831469595f, 0.555570245f, 0.195090324f, -0.195090324f, -0.555570245f, -0.831469595f, -0.980785251f},
-    {0.923879504f, 0.382683426f, -0.382683426f, -0.923879504f, -0.923879504f, -0.382683426f, 0.382683426f, 0.923879504f},
-    {0.831469595f, -0.195090324f, -0.980785251f, -0.555570245f, 0.555570245f, 0.980785251f, 0.195090324f, -0.831469595f},
-    {0.707106769f, -0.707106769f, -0.707106769f, 0.707106769f, 0.707106769f, -0.707106769f, -0.707106769f, 0.707106769f},
-    {0.555570245f, -0.980785251f, 0.195090324f, 0.831469595f, -0.831469595f, -0.195090324f, 0.980785251f, -0.555570245f},
-    {0.382683426f, -0.923879504f, 0.923879504f, -0.382683426f, -0.382683426f, 0.923879504f, -0.923879504f, 0.382683426f},
-    {0.195090324f, -0.555570245f, 0.831469595f, -0.980785251f, 0.980785251f, -0.831469595f, 0.555570245f, -0.195090324f}};
-
 namespace {
 constexpr float norm_entry(int v, int u) {
   return (u == 0 && v == 0) ? 0.125f : (u == 0 || v == 0) ? 0.176776692f : 0.25f;
@@ -81,17 +71,8 @@ alignas(16) const float dct_cos_4[4][4] = {{1.0f, 0.923879504f, 0.707106769f, 0.
                                             {1.0f, -0.382683426f, -0.707106769f, 0.923879504f},
                                             {1.0f, -0.923879504f, 0.707106769f, -0.382683426f}};
 
-// Transposed copies for kernels that vectorise over the frequency index:
-// dct_cos_8t[n][k] = dct_cos_8[k][n], dct_cos_4t[u][j] = dct_cos_4[j][u].
-alignas(16) const float dct_cos_8t[8][8] = {
-    {1.0f, 0.980785251f, 0.923879504f, 0.831469595f, 0.707106769f, 0.555570245f, 0.382683426f, 0.195090324f},
-    {1.0f, 0.831469595f, 0.382683426f, -0.195090324f, -0.707106769f, -0.980785251f, -0.923879504f, -0.555570245f},
-    {1.0f, 0.555570245f, -0.382683426f, -0.980785251f, -0.707106769f, 0.195090324f, 0.923879504f, 0.831469595f},
-    {1.0f, 0.195090324f, -0.923879504f, -0.555570245f, 0.707106769f, 0.831469595f, -0.382683426f, -0.980785251f},
-    {1.0f, -0.195090324f, -0.923879504f, 0.555570245f, 0.707106769f, -0.831469595f, -0.382683426f, 0.980785251f},
-    {1.0f, -0.555570245f, -0.382683426f, 0.980785251f, -0.707106769f, -0.195090324f, 0.923879504f, -0.831469595f},
-    {1.0f, -0.831469595f, 0.382683426f, 0.195090324f, -0.707106769f, 0.980785251f, -0.923879504f, 0.555570245f},
-    {1.0f, -0.980785251f, 0.923879504f, -0.831469595f, 0.707106769f, -0.555570245f, 0.382683426f, -0.195090324f}};
+// Transposed copy for the kernel that vectorises over the output column:
+// dct_cos_4t[u][j] = dct_cos_4[j][u].
 alignas(16) const float dct_cos_4t[4][4] = {{1.0f, 1.0f, 1.0f, 1.0f},
                                              {0.923879504f, 0.382683426f, -0.382683426f, -0.923879504f},
                                              {0.707106769f, -0.707106769f, -0.707106769f, 0.707106769f},
@@ -266,27 +247,64 @@ void dct_quant_fwd_8x8_ls_8u16s(const uint8_t* src, int src_step, int16_t* dst, 
   dct_quant_fwd_8x8_16s(blk, dst, fwd);
 }
 
+namespace {
+
+// Unnormalised 8-point forward DCT, S_k = sum_n x_n cos((2n+1)k pi/16)
+// (S_0 = plain sum), by even/odd halves; the order of every operation is
+// part of the result (the SSE kernel runs the same sequence per lane).
+void fdct8_float(const float* x, float* S) {
+  const float s0 = x[0] + x[7], s1 = x[1] + x[6], s2 = x[2] + x[5], s3 = x[3] + x[4];
+  const float d0 = x[0] - x[7], d1 = x[1] - x[6], d2 = x[2] - x[5], d3 = x[3] - x[4];
+  const float e0 = s0 + s3, e1 = s1 + s2, e2 = s0 - s3, e3 = s1 - s2;
+  S[0] = e0 + e1;
+  S[4] = kC4 * (e0 - e1);
+  S[2] = kC2 * e2 + kC6 * e3;
+  S[6] = kC6 * e2 - kC2 * e3;
+  S[1] = kC1 * d0 + kC3 * d1 + kC5 * d2 + kC7 * d3;
+  S[3] = kC3 * d0 - kC7 * d1 - kC1 * d2 - kC5 * d3;
+  S[5] = kC5 * d0 - kC1 * d1 + kC7 * d2 + kC3 * d3;
+  S[7] = kC7 * d0 - kC5 * d1 + kC3 * d2 - kC1 * d3;
+}
+
+// Unnormalised 8-point inverse DCT, x_n = X_0 + sum_k X_k cos((2n+1)k pi/16).
+void idct8_float(const float* X, float* x) {
+  const float p0 = X[0] + kC4 * X[4], p1 = X[0] - kC4 * X[4];
+  const float q0 = kC2 * X[2] + kC6 * X[6], q1 = kC6 * X[2] - kC2 * X[6];
+  const float E0 = p0 + q0, E3 = p0 - q0, E1 = p1 + q1, E2 = p1 - q1;
+  const float O0 = kC1 * X[1] + kC3 * X[3] + kC5 * X[5] + kC7 * X[7];
+  const float O1 = kC3 * X[1] - kC7 * X[3] - kC1 * X[5] - kC5 * X[7];
+  const float O2 = kC5 * X[1] - kC1 * X[3] + kC7 * X[5] + kC3 * X[7];
+  const float O3 = kC7 * X[1] - kC5 * X[3] + kC3 * X[5] - kC1 * X[7];
+  x[0] = E0 + O0;
+  x[7] = E0 - O0;
+  x[1] = E1 + O1;
+  x[6] = E1 - O1;
+  x[2] = E2 + O2;
+  x[5] = E2 - O2;
+  x[3] = E3 + O3;
+  x[4] = E3 - O3;
+}
+
+}  // namespace
+
 void dct_quant_fwd_8x8_ls_16u16s(const uint16_t* src, int src_step, int16_t* dst, const float* fwd) {
-  float f[8][8], tmp[8][8];
+  float f[8][8], tmp[8][8], col[8], out[8];
   for (int y = 0; y < 8; ++y) {
     const uint16_t* row = simd::row_ptr(src, src_step, y);
     for (int x = 0; x < 8; ++x) f[y][x] = static_cast<float>(int32_t{row[x]} - 2048);
   }
-  // columns: tmp[v][x] = sum_y cos[v][y] * f[y][x], y in order
-  for (int v = 0; v < 8; ++v)
-    for (int x = 0; x < 8; ++x) {
-      float acc = dct_cos_8[v][0] * f[0][x];
-      for (int y = 1; y < 8; ++y) acc = acc + dct_cos_8[v][y] * f[y][x];
-      tmp[v][x] = acc;
-    }
-  // rows: S[v][u] = sum_x tmp[v][x] * cos[u][x], x in order; F = S * norm; out = F * t
-  for (int v = 0; v < 8; ++v)
+  for (int x = 0; x < 8; ++x) {  // columns first
+    for (int y = 0; y < 8; ++y) col[y] = f[y][x];
+    fdct8_float(col, out);
+    for (int v = 0; v < 8; ++v) tmp[v][x] = out[v];
+  }
+  for (int v = 0; v < 8; ++v) {  // then rows; F = S * C(u) C(v) / 4; out = F * t
+    fdct8_float(tmp[v], out);
     for (int u = 0; u < 8; ++u) {
-      float acc = tmp[v][0] * dct_cos_8[u][0];
-      for (int x = 1; x < 8; ++x) acc = acc + tmp[v][x] * dct_cos_8[u][x];
-      const float F = acc * dct_norm_8[v][u];
+      const float F = out[u] * dct_norm_8[v][u];
       dst[v * 8 + u] = static_cast<int16_t>(clamp_round(F * fwd[v * 8 + u], -32768.0f, 32767.0f));
     }
+  }
 }
 
 void dct_quant_inv_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* inv) {
@@ -303,25 +321,16 @@ void dct_quant_inv_8x8_ls_16s8u(const int16_t* src, uint8_t* dst, int dst_step, 
 }
 
 void dct_quant_inv_8x8_ls_16s16u(const int16_t* src, uint16_t* dst, int dst_step, const uint16_t* inv) {
-  float c[8][8], tmp[8][8];
+  float c[8][8], tmp[8][8], col[8], out[8];
   for (int v = 0; v < 8; ++v)
     for (int u = 0; u < 8; ++u)
       c[v][u] = static_cast<float>(int32_t{src[v * 8 + u]} * int32_t{inv[v * 8 + u]}) * dct_norm_8[v][u];
-  // rows: tmp[v][x] = sum_u c[v][u] * cos[u][x], u in order
-  for (int v = 0; v < 8; ++v)
-    for (int x = 0; x < 8; ++x) {
-      float acc = c[v][0] * dct_cos_8[0][x];
-      for (int u = 1; u < 8; ++u) acc = acc + c[v][u] * dct_cos_8[u][x];
-      tmp[v][x] = acc;
-    }
-  // columns: out[y][x] = sum_v cos[v][y] * tmp[v][x], v in order
-  for (int y = 0; y < 8; ++y) {
-    uint16_t* row = simd::row_ptr(dst, dst_step, y);
-    for (int x = 0; x < 8; ++x) {
-      float acc = dct_cos_8[0][y] * tmp[0][x];
-      for (int v = 1; v < 8; ++v) acc = acc + dct_cos_8[v][y] * tmp[v][x];
-      row[x] = static_cast<uint16_t>(clamp_round(acc + 2048.0f, 0.0f, 4095.0f));
-    }
+  for (int v = 0; v < 8; ++v) idct8_float(c[v], tmp[v]);  // rows first
+  for (int x = 0; x < 8; ++x) {                            // then columns
+    for (int v = 0; v < 8; ++v) col[v] = tmp[v][x];
+    idct8_float(col, out);
+    for (int y = 0; y < 8; ++y)
+      simd::row_ptr(dst, dst_step, y)[x] = static_cast<uint16_t>(clamp_round(out[y] + 2048.0f, 0.0f, 4095.0f));
   }
 }
 

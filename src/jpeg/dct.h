@@ -43,13 +43,15 @@ inline constexpr int32_t round_frw_row = 524288;  // 2^19
 // Inverse row rounders, row 0..7.
 extern const int32_t round_i[8];
 
-// Single precision: dct_cos_8[k][n] = cos((2n+1)k pi/16) (row 0 exactly 1),
-// dct_cos_4[j][u] = cos((2j+1)u pi/8), dct_norm_8[v][u] = C(u) C(v) / 4 with
-// C(0) = 1/sqrt(2), else 1 (0.125 exactly at DC, so flat blocks stay exact).
-extern const float dct_cos_8[8][8];
+// Single precision.  kC1..kC7 = cos(k pi/16); dct_norm_8[v][u] = C(u) C(v) / 4
+// with C(0) = 1/sqrt(2), else 1 (0.125 exactly at DC, so flat blocks stay
+// exact); dct_cos_4[j][u] = cos((2j+1)u pi/8) and its transpose dct_cos_4t.
+// The 8-point float transforms are unnormalised even/odd butterflies whose
+// order of operations is fixed (ref:: and sse:: run the same sequence).
+inline constexpr float kC1 = 0.980785251f, kC2 = 0.923879504f, kC3 = 0.831469595f, kC4 = 0.707106769f,
+                       kC5 = 0.555570245f, kC6 = 0.382683426f, kC7 = 0.195090324f;
 extern const float dct_norm_8[8][8];
 extern const float dct_cos_4[4][4];
-extern const float dct_cos_8t[8][8];  // transposed copies
 extern const float dct_cos_4t[4][4];
 
 #define VPR_DCT_KERNELS                                                                                   \

@@ -186,6 +186,65 @@ inline __m128i clamp_round(__m128 v, float lo, float hi) {
   return _mm_cvtps_epi32(_mm_min_ps(_mm_max_ps(v, _mm_set1_ps(lo)), _mm_set1_ps(hi)));
 }
 
+// 8x8 transpose of a block held as a[r] (columns 0..3) and b[r] (columns
+// 4..7) into c[r] / d[r] likewise.
+inline void transpose8(const __m128* a, const __m128* b, __m128* c, __m128* d) {
+  __m128 t[4][4];
+  const __m128* src[4] = {a, a + 4, b, b + 4};  // quadrants (rows 0-3 | 4-7) x (cols 0-3 | 4-7)
+  for (int q = 0; q < 4; ++q) {
+    __m128 r0 = src[q][0], r1 = src[q][1], r2 = src[q][2], r3 = src[q][3];
+    _MM_TRANSPOSE4_PS(r0, r1, r2, r3);
+    t[q][0] = r0;
+    t[q][1] = r1;
+    t[q][2] = r2;
+    t[q][3] = r3;
+  }
+  // quadrant (R, C) of the source becomes quadrant (C, R)
+  for (int i = 0; i < 4; ++i) {
+    c[i] = t[0][i];      // rows 0-3 of the result, cols 0-3: source rows 0-3, cols 0-3
+    d[i] = t[1][i];      // rows 0-3, cols 4-7: source rows 4-7, cols 0-3
+    c[4 + i] = t[2][i];  // rows 4-7, cols 0-3: source rows 0-3, cols 4-7
+    d[4 + i] = t[3][i];  // rows 4-7, cols 4-7: source rows 4-7, cols 4-7
+  }
+}
+
+inline __m128 mulc(float k, __m128 v) { return _mm_mul_ps(_mm_set1_ps(k), v); }
+inline __m128 add(__m128 a, __m128 b) { return _mm_add_ps(a, b); }
+inline __m128 sub(__m128 a, __m128 b) { return _mm_sub_ps(a, b); }
+
+// The 8-point transforms of dct.cpp across eight registers, same order of operations.
+inline void fdct8_ps(__m128* x) {
+  const __m128 s0 = add(x[0], x[7]), s1 = add(x[1], x[6]), s2 = add(x[2], x[5]), s3 = add(x[3], x[4]);
+  const __m128 d0 = sub(x[0], x[7]), d1 = sub(x[1], x[6]), d2 = sub(x[2], x[5]), d3 = sub(x[3], x[4]);
+  const __m128 e0 = add(s0, s3), e1 = add(s1, s2), e2 = sub(s0, s3), e3 = sub(s1, s2);
+  x[0] = add(e0, e1);
+  x[4] = mulc(kC4, sub(e0, e1));
+  x[2] = add(mulc(kC2, e2), mulc(kC6, e3));
+  x[6] = sub(mulc(kC6, e2), mulc(kC2, e3));
+  x[1] = add(add(add(mulc(kC1, d0), mulc(kC3, d1)), mulc(kC5, d2)), mulc(kC7, d3));
+  x[3] = sub(sub(sub(mulc(kC3, d0), mulc(kC7, d1)), mulc(kC1, d2)), mulc(kC5, d3));
+  x[5] = add(add(sub(mulc(kC5, d0), mulc(kC1, d1)), mulc(kC7, d2)), mulc(kC3, d3));
+  x[7] = sub(add(sub(mulc(kC7, d0), mulc(kC5, d1)), mulc(kC3, d2)), mulc(kC1, d3));
+}
+
+inline void idct8_ps(__m128* X) {
+  const __m128 p0 = add(X[0], mulc(kC4, X[4])), p1 = sub(X[0], mulc(kC4, X[4]));
+  const __m128 q0 = add(mulc(kC2, X[2]), mulc(kC6, X[6])), q1 = sub(mulc(kC6, X[2]), mulc(kC2, X[6]));
+  const __m128 E0 = add(p0, q0), E3 = sub(p0, q0), E1 = add(p1, q1), E2 = sub(p1, q1);
+  const __m128 O0 = add(add(add(mulc(kC1, X[1]), mulc(kC3, X[3])), mulc(kC5, X[5])), mulc(kC7, X[7]));
+  const __m128 O1 = sub(sub(sub(mulc(kC3, X[1]), mulc(kC7, X[3])), mulc(kC1, X[5])), mulc(kC5, X[7]));
+  const __m128 O2 = add(add(sub(mulc(kC5, X[1]), mulc(kC1, X[3])), mulc(kC7, X[5])), mulc(kC3, X[7]));
+  const __m128 O3 = sub(add(sub(mulc(kC7, X[1]), mulc(kC5, X[3])), mulc(kC3, X[5])), mulc(kC1, X[7]));
+  X[0] = add(E0, O0);
+  X[7] = sub(E0, O0);
+  X[1] = add(E1, O1);
+  X[6] = sub(E1, O1);
+  X[2] = add(E2, O2);
+  X[5] = sub(E2, O2);
+  X[3] = add(E3, O3);
+  X[4] = sub(E3, O3);
+}
+
 }  // namespace
 
 // ------------------------------------------------------------ kernels
@@ -221,30 +280,21 @@ void dct_quant_fwd_8x8_ls_8u16s(const uint8_t* src, int src_step, int16_t* dst, 
 
 void dct_quant_fwd_8x8_ls_16u16s(const uint16_t* src, int src_step, int16_t* dst, const float* fwd) {
   const __m128i k2048 = _mm_set1_epi32(2048);
-  __m128 f[8][2], tmp[8][2];
+  __m128 a[8], b[8], c[8], d[8];  // a/b: lanes 0..3 / 4..7 of the rows
   for (int y = 0; y < 8; ++y) {
     const __m128i v = load16(row_ptr(src, src_step, y));
-    f[y][0] = _mm_cvtepi32_ps(_mm_sub_epi32(_mm_cvtepu16_epi32(v), k2048));
-    f[y][1] = _mm_cvtepi32_ps(_mm_sub_epi32(_mm_cvtepu16_epi32(_mm_srli_si128(v, 8)), k2048));
+    a[y] = _mm_cvtepi32_ps(_mm_sub_epi32(_mm_cvtepu16_epi32(v), k2048));
+    b[y] = _mm_cvtepi32_ps(_mm_sub_epi32(_mm_cvtepu16_epi32(_mm_srli_si128(v, 8)), k2048));
   }
-  // columns: tmp[v] = sum_y cos[v][y] * f[y]
-  for (int v = 0; v < 8; ++v)
-    for (int h = 0; h < 2; ++h) {
-      __m128 acc = _mm_mul_ps(_mm_set1_ps(dct_cos_8[v][0]), f[0][h]);
-      for (int y = 1; y < 8; ++y) acc = _mm_add_ps(acc, _mm_mul_ps(_mm_set1_ps(dct_cos_8[v][y]), f[y][h]));
-      tmp[v][h] = acc;
-    }
-  // rows: S[v][u] = sum_x tmp[v][x] * cos[u][x], vectorised over u
+  fdct8_ps(a);  // columns
+  fdct8_ps(b);
+  transpose8(a, b, c, d);
+  fdct8_ps(c);  // rows (transposed)
+  fdct8_ps(d);
+  transpose8(c, d, a, b);
   for (int v = 0; v < 8; ++v) {
-    __m128 lo = _mm_mul_ps(splat(tmp[v][0], 0), loadf(dct_cos_8t[0]));
-    __m128 hi = _mm_mul_ps(splat(tmp[v][0], 0), loadf(dct_cos_8t[0] + 4));
-    for (int x = 1; x < 8; ++x) {
-      const __m128 s = splat(tmp[v][x >> 2], x & 3);
-      lo = _mm_add_ps(lo, _mm_mul_ps(s, loadf(dct_cos_8t[x])));
-      hi = _mm_add_ps(hi, _mm_mul_ps(s, loadf(dct_cos_8t[x] + 4)));
-    }
-    lo = _mm_mul_ps(_mm_mul_ps(lo, loadf(dct_norm_8[v])), loadf(fwd + 8 * v));
-    hi = _mm_mul_ps(_mm_mul_ps(hi, loadf(dct_norm_8[v] + 4)), loadf(fwd + 8 * v + 4));
+    const __m128 lo = _mm_mul_ps(_mm_mul_ps(a[v], loadf(dct_norm_8[v])), loadf(fwd + 8 * v));
+    const __m128 hi = _mm_mul_ps(_mm_mul_ps(b[v], loadf(dct_norm_8[v] + 4)), loadf(fwd + 8 * v + 4));
     store16(dst + 8 * v,
             _mm_packs_epi32(clamp_round(lo, -32768.0f, 32767.0f), clamp_round(hi, -32768.0f, 32767.0f)));
   }
@@ -263,38 +313,25 @@ void dct_quant_inv_8x8_ls_16s8u(const int16_t* src, uint8_t* dst, int dst_step, 
 }
 
 void dct_quant_inv_8x8_ls_16s16u(const int16_t* src, uint16_t* dst, int dst_step, const uint16_t* inv) {
-  __m128 tmp[8][2];
+  __m128 a[8], b[8], c[8], d[8];
   for (int v = 0; v < 8; ++v) {
-    const __m128i c = load16(src + 8 * v), q = load16(inv + 8 * v);
-    const __m128 c0 = _mm_mul_ps(_mm_cvtepi32_ps(_mm_mullo_epi32(_mm_cvtepi16_epi32(c), _mm_cvtepu16_epi32(q))),
-                                 loadf(dct_norm_8[v]));
-    const __m128 c1 = _mm_mul_ps(_mm_cvtepi32_ps(_mm_mullo_epi32(_mm_cvtepi16_epi32(_mm_srli_si128(c, 8)),
-                                                                 _mm_cvtepu16_epi32(_mm_srli_si128(q, 8)))),
-                                 loadf(dct_norm_8[v] + 4));
-    // rows: tmp[v][x] = sum_u c[v][u] * cos[u][x], vectorised over x
-    __m128 lo = _mm_mul_ps(splat(c0, 0), loadf(dct_cos_8[0]));
-    __m128 hi = _mm_mul_ps(splat(c0, 0), loadf(dct_cos_8[0] + 4));
-    for (int u = 1; u < 8; ++u) {
-      const __m128 s = splat(u < 4 ? c0 : c1, u & 3);
-      lo = _mm_add_ps(lo, _mm_mul_ps(s, loadf(dct_cos_8[u])));
-      hi = _mm_add_ps(hi, _mm_mul_ps(s, loadf(dct_cos_8[u] + 4)));
-    }
-    tmp[v][0] = lo;
-    tmp[v][1] = hi;
+    const __m128i k = load16(src + 8 * v), q = load16(inv + 8 * v);
+    a[v] = _mm_mul_ps(_mm_cvtepi32_ps(_mm_mullo_epi32(_mm_cvtepi16_epi32(k), _mm_cvtepu16_epi32(q))),
+                      loadf(dct_norm_8[v]));
+    b[v] = _mm_mul_ps(_mm_cvtepi32_ps(_mm_mullo_epi32(_mm_cvtepi16_epi32(_mm_srli_si128(k, 8)),
+                                                      _mm_cvtepu16_epi32(_mm_srli_si128(q, 8)))),
+                      loadf(dct_norm_8[v] + 4));
   }
-  // columns: out[y] = sum_v cos[v][y] * tmp[v]
-  for (int y = 0; y < 8; ++y) {
-    __m128 lo = _mm_mul_ps(_mm_set1_ps(dct_cos_8[0][y]), tmp[0][0]);
-    __m128 hi = _mm_mul_ps(_mm_set1_ps(dct_cos_8[0][y]), tmp[0][1]);
-    for (int v = 1; v < 8; ++v) {
-      const __m128 k = _mm_set1_ps(dct_cos_8[v][y]);
-      lo = _mm_add_ps(lo, _mm_mul_ps(k, tmp[v][0]));
-      hi = _mm_add_ps(hi, _mm_mul_ps(k, tmp[v][1]));
-    }
-    const __m128 off = _mm_set1_ps(2048.0f);
-    store16(row_ptr(dst, dst_step, y), _mm_packus_epi32(clamp_round(_mm_add_ps(lo, off), 0.0f, 4095.0f),
-                                                        clamp_round(_mm_add_ps(hi, off), 0.0f, 4095.0f)));
-  }
+  transpose8(a, b, c, d);
+  idct8_ps(c);  // rows (transposed)
+  idct8_ps(d);
+  transpose8(c, d, a, b);
+  idct8_ps(a);  // columns
+  idct8_ps(b);
+  const __m128 off = _mm_set1_ps(2048.0f);
+  for (int y = 0; y < 8; ++y)
+    store16(row_ptr(dst, dst_step, y), _mm_packus_epi32(clamp_round(_mm_add_ps(a[y], off), 0.0f, 4095.0f),
+                                                        clamp_round(_mm_add_ps(b[y], off), 0.0f, 4095.0f)));
 }
 
 void dct_quant_inv_8x8_ls_1x1_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
