@@ -112,6 +112,7 @@ constexpr Mask kC3Load[3][3] = {{c3_load_mask(0, 0), c3_load_mask(0, 1), c3_load
 // (byte 0, byte 1), (byte 2, byte 1), (byte 0, 0), (byte 2, 0) of each pixel.
 constexpr Mask kPair01 = c3_pair_mask(0, 1), kPair21 = c3_pair_mask(2, 1);
 constexpr Mask kPair0 = c3_pair_mask(0, -1), kPair2 = c3_pair_mask(2, -1);
+constexpr Mask kPair20 = c3_pair_mask(2, 0), kPair02 = c3_pair_mask(0, 2), kPair11 = c3_pair_mask(1, 1);
 constexpr Mask kC4Gather = c4_gather_mask();
 // C2 groups (Y0 Cb Y1 Cr) of one register -> 16-bit lanes `at`..`at` + 3
 // of byte `first` of each group (zero-extended), or of the (Cb, Cr) pairs.
@@ -231,22 +232,33 @@ struct Q14 {
   static constexpr int crr = 8192, crg = -6860, crb = -1332, crbias = 2105344;
 };
 
-// Four pixels of 3 bytes in the low 12 bytes of g -> 32-bit Y, Cb, Cr.
-template <class Q, bool kChroma>
-inline void a_group(__m128i g, __m128i mrg, __m128i mb, __m128i* y, __m128i* cb, __m128i* cr) {
-  const __m128i rg = _mm_shuffle_epi8(g, mrg);                                            // (R, G)
-  const __m128i b1 = _mm_or_si128(_mm_shuffle_epi8(g, mb), _mm_set1_epi32(0x10000));     // (B, 1)
-  *y = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(Q::yr, Q::yg)), _mm_madd_epi16(b1, pair(Q::yb, Q::ybias))),
+// Four pixels of 3 bytes in the low 12 bytes of g -> 32-bit Y of the Q15
+// (or Q14) formula from (R, G) and (B, 1) pairs (the bias rides on the 1).
+template <class Q>
+inline __m128i a_y_group(__m128i g, __m128i mrg, __m128i mb) {
+  const __m128i rg = _mm_shuffle_epi8(g, mrg);                                         // (R, G)
+  const __m128i b1 = _mm_or_si128(_mm_shuffle_epi8(g, mb), _mm_set1_epi32(0x10000));  // (B, 1)
+  return _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(Q::yr, Q::yg)), _mm_madd_epi16(b1, pair(Q::yb, Q::ybias))),
+                        Q::shift);
+}
+
+// Four pixels -> Y, Cb, Cr with one multiply-add per chroma value: the
+// chroma weights sum to zero, so Cb and Cr are functions of
+// d = (B - G, R - G) alone
+//   Cb = d * (cbb, cbr) + bias,  Cr = d * (crb, crr) + bias,
+// and Y = (B, R) * (yb, yr) + (G, G) * (yg / 2, yg - yg / 2) + bias.
+// mbr / mgg gather (B, R) / (G, G) as 16-bit pairs.
+template <class Q>
+inline void a_group_d(__m128i g, __m128i mbr, __m128i mgg, __m128i* y, __m128i* cb, __m128i* cr) {
+  const __m128i br = _mm_shuffle_epi8(g, mbr), gg = _mm_shuffle_epi8(g, mgg);
+  const __m128i d = _mm_sub_epi16(br, gg);  // (B - G, R - G)
+  *y = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(br, pair(Q::yb, Q::yr)),
+                                                  _mm_madd_epi16(gg, pair(Q::yg / 2, Q::yg - Q::yg / 2))),
+                                    _mm_set1_epi32(Q::ybias)),
                       Q::shift);
-  if (!kChroma) return;
-  *cb = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(Q::cbr, Q::cbg)),
-                                                   _mm_madd_epi16(b1, pair(Q::cbb, 0))),
-                                     _mm_set1_epi32(Q::cbbias)),
-                       Q::shift);
-  *cr = _mm_srai_epi32(_mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(rg, pair(Q::crr, Q::crg)),
-                                                   _mm_madd_epi16(b1, pair(Q::crb, 0))),
-                                     _mm_set1_epi32(Q::crbias)),
-                       Q::shift);
+  static_assert(Q::cbr + Q::cbg + Q::cbb == 0 && Q::crr + Q::crg + Q::crb == 0, "chroma weights sum to zero");
+  *cb = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(d, pair(Q::cbb, Q::cbr)), _mm_set1_epi32(Q::cbbias)), Q::shift);
+  *cr = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(d, pair(Q::crb, Q::crr)), _mm_set1_epi32(Q::crbias)), Q::shift);
 }
 
 inline __m128i pack4x32(__m128i a, __m128i b, __m128i c, __m128i d) {
@@ -257,13 +269,20 @@ template <int RI, bool kChroma>
 void a_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
   const __m128i mrg = (RI == 0 ? kPair01 : kPair21).v();  // (R, G)
   const __m128i mb = (RI == 0 ? kPair2 : kPair0).v();     // (B, 0)
+  const __m128i mbr = (RI == 0 ? kPair20 : kPair02).v();  // (B, R)
+  const __m128i mgg = kPair11.v();                        // (G, G)
   int x = 0;
   __m128i Y[4], CB[4], CR[4];
   for (; x + 16 <= width; x += 16) {
     const uint8_t* p = s + 3 * x;
     const __m128i v0 = load16(p), v1 = load16(p + 16), v2 = load16(p + 32);
     const __m128i g[4] = {v0, _mm_alignr_epi8(v1, v0, 12), _mm_alignr_epi8(v2, v1, 8), _mm_srli_si128(v2, 4)};
-    for (int k = 0; k < 4; ++k) a_group<Q15, kChroma>(g[k], mrg, mb, &Y[k], &CB[k], &CR[k]);
+    for (int k = 0; k < 4; ++k) {
+      if (kChroma)
+        a_group_d<Q15>(g[k], mbr, mgg, &Y[k], &CB[k], &CR[k]);
+      else
+        Y[k] = a_y_group<Q15>(g[k], mrg, mb);
+    }
     store16(y + x, pack4x32(Y[0], Y[1], Y[2], Y[3]));
     if (kChroma) {
       store16(cb + x, pack4x32(CB[0], CB[1], CB[2], CB[3]));
@@ -273,8 +292,14 @@ void a_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
   if (x + 8 <= width) {
     const uint8_t* p = s + 3 * x;
     const __m128i v0 = load16(p), v1 = load8(p + 16);
-    a_group<Q15, kChroma>(v0, mrg, mb, &Y[0], &CB[0], &CR[0]);
-    a_group<Q15, kChroma>(_mm_alignr_epi8(v1, v0, 12), mrg, mb, &Y[1], &CB[1], &CR[1]);
+    const __m128i g1 = _mm_alignr_epi8(v1, v0, 12);
+    if (kChroma) {
+      a_group_d<Q15>(v0, mbr, mgg, &Y[0], &CB[0], &CR[0]);
+      a_group_d<Q15>(g1, mbr, mgg, &Y[1], &CB[1], &CR[1]);
+    } else {
+      Y[0] = a_y_group<Q15>(v0, mrg, mb);
+      Y[1] = a_y_group<Q15>(g1, mrg, mb);
+    }
     const __m128i z = _mm_setzero_si128();
     store8(y + x, pack4x32(Y[0], Y[1], z, z));
     if (kChroma) {
@@ -287,7 +312,7 @@ void a_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
     // Y only: Q15 for every pixel.
     if (x + 4 <= width) {
       const uint8_t* p = s + 3 * x;
-      a_group<Q15, false>(_mm_unpacklo_epi64(load8(p), load4(p + 8)), mrg, mb, &Y[0], nullptr, nullptr);
+      Y[0] = a_y_group<Q15>(_mm_unpacklo_epi64(load8(p), load4(p + 8)), mrg, mb);
       store4(y + x, pack4x32(Y[0], Y[0], Y[0], Y[0]));
       x += 4;
     }
@@ -302,7 +327,7 @@ void a_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
   // The 4-pixel group and single pixels are Q14.
   if (x + 4 <= width) {
     const uint8_t* p = s + 3 * x;
-    a_group<Q14, true>(_mm_unpacklo_epi64(load8(p), load4(p + 8)), mrg, mb, &Y[0], &CB[0], &CR[0]);
+    a_group_d<Q14>(_mm_unpacklo_epi64(load8(p), load4(p + 8)), mbr, mgg, &Y[0], &CB[0], &CR[0]);
     store4(y + x, pack4x32(Y[0], Y[0], Y[0], Y[0]));
     store4(cb + x, pack4x32(CB[0], CB[0], CB[0], CB[0]));
     store4(cr + x, pack4x32(CR[0], CR[0], CR[0], CR[0]));
@@ -338,27 +363,27 @@ inline __m128i y_q16_16(__m128i r, __m128i g, __m128i b) {
                  y_q16_pairs(_mm_unpackhi_epi8(r, g), _mm_unpackhi_epi8(b, two), hi16(g)));
 }
 
-// Low-byte chroma of families C and D on 8 lanes of channel sums (16-bit),
-// K = -16384 * KC:
+// Low-byte chroma of families C and D on 8 lanes of channel sums (16-bit):
 //   Cb = lo8((32768 SB - 21709 SG - 11059 SR + K) >> S)
 //   Cr = lo8((32768 SR - 27439 SG -  5329 SB + K) >> S)
-// 32768 SB + K = (2 SB, KC) * (16384, 16384).  Returns the 8 bytes in the
-// low half of each result.
-template <int S, int KC>
+// The weights sum to zero, so with differences from SG
+//   Cb = (SG - SB, SR - SG) * (-32768, -11059) + K
+//   Cr = (SG - SR, SB - SG) * (-32768, -5329) + K.
+// Returns the 8 bytes in the low half of each result.
+template <int S, int K>
 inline void chroma_lo8(__m128i sr, __m128i sg, __m128i sb, __m128i* cb, __m128i* cr) {
-  const __m128i kc = _mm_set1_epi16(KC), w2 = pair(16384, 16384);
-  const __m128i sr2 = _mm_unpacklo_epi16(_mm_add_epi16(sr, sr), kc), sr2h = _mm_unpackhi_epi16(_mm_add_epi16(sr, sr), kc);
-  const __m128i sb2 = _mm_unpacklo_epi16(_mm_add_epi16(sb, sb), kc), sb2h = _mm_unpackhi_epi16(_mm_add_epi16(sb, sb), kc);
+  const __m128i k = _mm_set1_epi32(K);
+  const __m128i gb = _mm_sub_epi16(sg, sb), rg = _mm_sub_epi16(sr, sg), gr = _mm_sub_epi16(sg, sr),
+                bg = _mm_sub_epi16(sb, sg);
   const __m128i lo_bytes = _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
   const __m128i hi_bytes = _mm_setr_epi8(-1, -1, -1, -1, 0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1);
-  auto low8 = [&](__m128i a, __m128i b) {
-    return _mm_or_si128(_mm_shuffle_epi8(_mm_srai_epi32(a, S), lo_bytes), _mm_shuffle_epi8(_mm_srai_epi32(b, S), hi_bytes));
+  auto one = [&](__m128i p, __m128i q, __m128i w) {
+    const __m128i a = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(p, q), w), k), S);
+    const __m128i b = _mm_srai_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(p, q), w), k), S);
+    return _mm_or_si128(_mm_shuffle_epi8(a, lo_bytes), _mm_shuffle_epi8(b, hi_bytes));
   };
-  const __m128i wcb = pair(-11059, -21709), wcr = pair(-27439, -5329);
-  *cb = low8(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(sr, sg), wcb), _mm_madd_epi16(sb2, w2)),
-             _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(sr, sg), wcb), _mm_madd_epi16(sb2h, w2)));
-  *cr = low8(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(sg, sb), wcr), _mm_madd_epi16(sr2, w2)),
-             _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(sg, sb), wcr), _mm_madd_epi16(sr2h, w2)));
+  *cb = one(gb, rg, pair(-32768, -11059));
+  *cr = one(gr, bg, pair(-32768, -5329));
 }
 
 // ------------------------------------------------------------------ family B
@@ -598,9 +623,9 @@ void c_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width) {
       __m128i r, g, b, cb0, cr0, cb1, cr1;
       load_planes<CH, RI>(s + CH * x, px, r, g, b);
       const __m128i Y = y_q16_16(r, g, b);
-      chroma_lo8<16, -511>(lo16(r), lo16(g), lo16(b), &cb0, &cr0);
+      chroma_lo8<16, -8372224>(lo16(r), lo16(g), lo16(b), &cb0, &cr0);
       if (px == 16) {
-        chroma_lo8<16, -511>(hi16(r), hi16(g), hi16(b), &cb1, &cr1);
+        chroma_lo8<16, -8372224>(hi16(r), hi16(g), hi16(b), &cb1, &cr1);
         store16(y + x, Y);
         store16(cb + x, _mm_unpacklo_epi64(cb0, cb1));
         store16(cr + x, _mm_unpacklo_epi64(cr0, cr1));
@@ -629,7 +654,7 @@ void d422_row(const uint8_t* s, uint8_t* y, uint8_t* cb, uint8_t* cr, int width)
       __m128i r, g, b, c0, c1;
       load_planes<CH, RI>(s + CH * x, px, r, g, b);
       const __m128i Y = y_q16_16(r, g, b);
-      chroma_lo8<17, -1023>(pair_sums(r), pair_sums(g), pair_sums(b), &c0, &c1);
+      chroma_lo8<17, -16760832>(pair_sums(r), pair_sums(g), pair_sums(b), &c0, &c1);
       if (px == 16) {
         store16(y + x, Y);
         store8(cb + x / 2, c0);
@@ -652,7 +677,7 @@ void d411_rows(const uint8_t* s0, const uint8_t* s1, uint8_t* y0, uint8_t* y1, u
       load_planes<CH, RI>(s0 + CH * x, px, r0, g0, b0);
       load_planes<CH, RI>(s1 + CH * x, px, r1, g1, b1);
       const __m128i Y0 = y_q16_16(r0, g0, b0), Y1 = y_q16_16(r1, g1, b1);
-      chroma_lo8<18, -2046>(_mm_add_epi16(pair_sums(r0), pair_sums(r1)),
+      chroma_lo8<18, -33521664>(_mm_add_epi16(pair_sums(r0), pair_sums(r1)),
                                 _mm_add_epi16(pair_sums(g0), pair_sums(g1)),
                                 _mm_add_epi16(pair_sums(b0), pair_sums(b1)), &c0, &c1);
       if (px == 16) {
