@@ -11,10 +11,16 @@
 //
 //   MqEncoder enc;
 //   mq_encoder_init(&enc, kMqTermDefault, decisions, contexts, capacity);
-//   mq_encoder_record(&enc, cx, d);  ...          // any number of times
-//   while (decEncoderMQEncode(&enc, out, &len) > 0) { consume len; ... }
-//   while (decEncoderMQTerminate(&enc, out, &len) != 0) { consume len; ... }
-//   consume len;
+//   mq_encoder_record(&enc, cx, d);  ...     // any number of times
+//   int32_t left, rc;
+//   do { len = room; left = decEncoderMQEncode(&enc, out, &len); take(out, len); }
+//   while (left > 0);                        // (may stop here: rate limit)
+//   do { len = room; rc = decEncoderMQTerminate(&enc, out, &len); take(out, len); }
+//   while (rc != 0);
+//
+// Recording may also go on between drains; the code-word of a finished
+// termination is followed by a new one with mq_encoder_restart (contexts
+// kept), as a coder terminating every coding pass needs.
 //
 // Memory: the coders never allocate.  The recorded-symbol arrays belong to
 // the caller (one byte per decision in each array; the capacity is fixed at
