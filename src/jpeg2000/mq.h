@@ -151,7 +151,8 @@ int32_t decEncoderMQEncode(MqEncoder* e, uint8_t* pDst, int32_t* pLen);
 // Returns 0 when the termination is done and every byte of the code-word is
 // delivered (later calls write nothing and return 0); returns 1 when the
 // room ran out first: symbols, the termination or staged bytes remain, and
-// the caller calls again with more room.
+// the caller calls again with more room.  Once it returned 0 the code-word
+// is closed: record more only after mq_encoder_restart.
 int32_t decEncoderMQTerminate(MqEncoder* e, uint8_t* pDst, int32_t* pLen);
 
 // ------------------------------------------------------------------ decoder
