@@ -304,6 +304,86 @@ __attribute__((noinline)) void group16_any(const Slot16* s, int n, std::ptrdiff_
   group16<kFwd, 0>(s, n, step);
 }
 
+// Four blocks (two full slots): one vector holds one position of the four
+// blocks in each half, so two groups of a stage share a vector.  Layouts:
+//   rows:    [a|b] [c|d] [e|f] [g|h] [i|j] [k|l] [m|n] [o|p]
+//   stage 1: H2([a|b],[d|c],[m|n],[p|o]) and H2([e|f],[h|g],[i|j],[l|k])
+//   stage 2: Odd([c|i],[d|m],[g|j],[h|n]); H2(a,b,e,f;1) and
+//            OddOdd(k,l,o,p) in the low halves.
+VPR_ALWAYS_INLINE __m128i swap_halves(__m128i v) { return _mm_shuffle_epi32(v, 0x4e); }
+VPR_ALWAYS_INLINE __m128i lo_hi(__m128i lo_of, __m128i hi_of) { return _mm_blend_epi16(lo_of, hi_of, 0xf0); }
+VPR_ALWAYS_INLINE __m128i hi_lo(__m128i hi_of, __m128i lo_of) {  // [hi_of.high | lo_of.low]
+  return _mm_castpd_si128(_mm_shuffle_pd(_mm_castsi128_pd(hi_of), _mm_castsi128_pd(lo_of), 1));
+}
+
+struct Quad {
+  // stage-1 layout
+  __m128i ab, dc, mn, po, ef, hg, ij, lk;
+};
+
+VPR_ALWAYS_INLINE void quad_stage1(Quad& q) {
+  using L = Lift<Ops16>;
+  L::h2(q.ab, q.dc, q.mn, q.po, 0);
+  L::h2(q.ef, q.hg, q.ij, q.lk, 0);
+}
+
+template <bool kFwd>
+VPR_ALWAYS_INLINE void quad_stage2(Quad& q) {
+  using L = Lift<Ops16>;
+  __m128i oa = hi_lo(q.dc, q.ij);                   // [c|i]
+  __m128i ob = _mm_unpacklo_epi64(q.dc, q.mn);      // [d|m]
+  __m128i oc = _mm_unpackhi_epi64(q.hg, q.ij);      // [g|j]
+  __m128i od = lo_hi(q.hg, q.mn);                   // [h|n]
+  __m128i ha = q.ab, hb = swap_halves(q.ab), hc = q.ef, hd = swap_halves(q.ef);  // a b e f (low)
+  __m128i ka = swap_halves(q.lk), kb = q.lk, kc = swap_halves(q.po), kd = q.po;  // k l o p (low)
+  if constexpr (kFwd) {
+    L::h2(ha, hb, hc, hd, 1);
+    L::odd(oa, ob, oc, od);
+    L::odd_odd(ka, kb, kc, kd);
+  } else {
+    L::odd_inv(oa, ob, oc, od);
+    L::odd_odd_inv(ka, kb, kc, kd);
+    L::h2(ha, hb, hc, hd, 1);
+  }
+  q.ab = _mm_unpacklo_epi64(ha, hb);
+  q.ef = _mm_unpacklo_epi64(hc, hd);
+  q.dc = _mm_unpacklo_epi64(ob, oa);
+  q.mn = _mm_unpackhi_epi64(ob, od);
+  q.hg = _mm_unpacklo_epi64(od, oc);
+  q.ij = _mm_unpackhi_epi64(oa, oc);
+  q.lk = _mm_unpacklo_epi64(kb, ka);
+  q.po = _mm_unpacklo_epi64(kd, kc);
+}
+
+template <bool kFwd>
+VPR_ALWAYS_INLINE void group16_quad(uint8_t* p0, uint8_t* p1, std::ptrdiff_t step) {
+  __m128i r[8];  // [x0|x1], [x2|x3] of rows 0..3 (block order 0 2 1 3 in each half)
+  for (int y = 0; y < 4; ++y) {
+    const __m128i P0 = simd::load16(p0 + y * step), P1 = simd::load16(p1 + y * step);
+    const __m128i t0 = _mm_unpacklo_epi16(P0, P1), t1 = _mm_unpackhi_epi16(P0, P1);
+    r[2 * y] = _mm_unpacklo_epi32(t0, t1);
+    r[2 * y + 1] = _mm_unpackhi_epi32(t0, t1);
+  }
+  Quad q{r[0], swap_halves(r[1]), r[6], swap_halves(r[7]), r[2], swap_halves(r[3]), r[4], swap_halves(r[5])};
+  if constexpr (kFwd) {
+    quad_stage1(q);
+    quad_stage2<true>(q);
+  } else {
+    quad_stage2<false>(q);
+    quad_stage1(q);
+  }
+  r[0] = q.ab, r[1] = swap_halves(q.dc), r[2] = q.ef, r[3] = swap_halves(q.hg);
+  r[4] = q.ij, r[5] = swap_halves(q.lk), r[6] = q.mn, r[7] = swap_halves(q.po);
+  const __m128i deint = _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15);
+  for (int y = 0; y < 4; ++y) {
+    const __m128 u0 = _mm_castsi128_ps(r[2 * y]), u1 = _mm_castsi128_ps(r[2 * y + 1]);
+    const __m128i t0 = _mm_shuffle_epi8(_mm_castps_si128(_mm_shuffle_ps(u0, u1, _MM_SHUFFLE(2, 0, 2, 0))), deint);
+    const __m128i t1 = _mm_shuffle_epi8(_mm_castps_si128(_mm_shuffle_ps(u0, u1, _MM_SHUFFLE(3, 1, 3, 1))), deint);
+    simd::store16(p0 + y * step, _mm_unpacklo_epi64(t0, t1));
+    simd::store16(p1 + y * step, _mm_unpackhi_epi64(t0, t1));
+  }
+}
+
 // Up to four slots: the branch-free form when all are full pairs.
 template <bool kFwd>
 VPR_ALWAYS_INLINE void group16_upto4(const Slot16* s, int n, std::ptrdiff_t step) {
@@ -312,7 +392,7 @@ VPR_ALWAYS_INLINE void group16_upto4(const Slot16* s, int n, std::ptrdiff_t step
   if (full && n == 4)
     group16<kFwd, 4>(s, 4, step);
   else if (full && n == 2)
-    group16<kFwd, 2>(s, 2, step);
+    group16_quad<kFwd>(s[0].p, s[1].p, step);
   else
     group16_any<kFwd>(s, n, step);
 }
