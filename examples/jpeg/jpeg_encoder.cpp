@@ -266,6 +266,10 @@ class Encoder {
     int16_t prev[3] = {0, 0, 0};
     alignas(16) int16_t local[6 * 64];
     const int per = blocks_per_mcu();
+    // Tables and DC predictor of each block of an MCU.
+    const VprEncodeHuffmanSpec *dcs[6], *acs[6];
+    int16_t* pred[6];
+    for (int b = 0; b < per; ++b) dcs[b] = dcspec_[table_of(b)].get(), acs[b] = acspec_[table_of(b)].get(), pred[b] = &prev[comp_of(b)];
     const int mcus = L_.mcus_x * L_.mcus_y;
     int restarts = 0;
     for (int m = 0; m < mcus; ++m) {
@@ -288,9 +292,7 @@ class Encoder {
         blocks = local;
       }
       for (int b = 0; b < per; ++b) {
-        const int t = table_of(b);
-        st = vpriEncodeHuffman8x8_JPEG_16s1u_C1(blocks + 64 * b, dst, len, &pos, &prev[comp_of(b)], dcspec_[t].get(),
-                                                acspec_[t].get(), state_.get(), 0);
+        st = vpriEncodeHuffman8x8_JPEG_16s1u_C1(blocks + 64 * b, dst, len, &pos, pred[b], dcs[b], acs[b], state_.get(), 0);
         if (st != vprStatusOk) return status_text("encode: Huffman coding", st);
       }
     }
