@@ -11,6 +11,8 @@
 
 #include "bench_util.h"
 #include "jpeg_codec.h"
+#include "jpeg_tables.h"
+#include "vprjp.h"
 
 namespace {
 
@@ -96,6 +98,167 @@ void decode_turbo(benchmark::State& state, vprjpeg::Sampling s, int flags) {
   tjDestroy(h);
   vprbench::set_mpix(state, double(kW) * kH);
 }
+
+// ---- Stages of the same 1920x1080 4:2:0 / 4:4:4 encode and decode, each over
+// the whole image through the library's exported functions, so the time of
+// a codec row splits into colour conversion, DCT and Huffman coding.
+struct Stages {
+  int y_blocks;                  // per MCU
+  int mcus_x, mcus_y;
+  std::vector<int16_t> shifted;  // level-shifted samples, MCU after MCU
+  std::vector<int16_t> coefs;    // quantised coefficients
+  std::vector<uint8_t> stream;   // entropy-coded data
+  Vpr16u qf[2][64], qi[2][64];
+  uint8_t raw[2][64];
+};
+
+const Stages& stages(int y_blocks) {
+  static Stages st[5];
+  Stages& s = st[y_blocks];
+  if (!s.shifted.empty()) return s;
+  s.y_blocks = y_blocks;
+  const int mw = y_blocks == 1 ? 8 : 16, mh = y_blocks == 4 ? 16 : 8;
+  s.mcus_x = kW / mw, s.mcus_y = kH / mh;
+  const int per = (y_blocks + 2) * 64;
+  const size_t n = static_cast<size_t>(s.mcus_x) * s.mcus_y * per;
+  s.shifted.resize(n), s.coefs.resize(n), s.stream.resize(n * 4);
+  for (int t = 0; t < 2; ++t) {
+    for (int k = 0; k < 64; ++k)
+      s.raw[t][k] = (t ? vprjpeg::tables::kChromaQuant : vprjpeg::tables::kLumaQuant)[vprjpeg::tables::kZigzag[k]];
+    vpriQuantFwdRawTableInit_JPEG_8u(s.raw[t], kQuality);
+    vpriQuantFwdTableInit_JPEG_8u16u(s.raw[t], s.qf[t]);
+    vpriQuantInvTableInit_JPEG_8u16u(s.raw[t], s.qi[t]);
+  }
+  int16_t* b = s.shifted.data();
+  for (int my = 0; my < s.mcus_y; ++my)
+    for (int mx = 0; mx < s.mcus_x; ++mx, b += per) {
+      Vpr16s* d[3] = {b, b + 64 * y_blocks, b + 64 * (y_blocks + 1)};
+      const uint8_t* src = image().pixels.data() + (static_cast<size_t>(my) * mh * kW + mx * mw) * 3;
+      if (y_blocks == 1) vpriRGBToYCbCr444LS_MCU_8u16s_C3P3R(src, kW * 3, d);
+      else vpriRGBToYCbCr411LS_MCU_8u16s_C3P3R(src, kW * 3, d);
+    }
+  for (size_t i = 0; i < n; i += 64) {
+    std::copy(s.shifted.begin() + static_cast<std::ptrdiff_t>(i), s.shifted.begin() + static_cast<std::ptrdiff_t>(i + 64),
+              s.coefs.begin() + static_cast<std::ptrdiff_t>(i));
+    vpriDCTQuantFwd8x8_JPEG_16s_C1I(s.coefs.data() + i, s.qf[((i / 64) % (y_blocks + 2)) < static_cast<size_t>(y_blocks) ? 0 : 1]);
+  }
+  return s;
+}
+
+struct HuffTables {
+  VprEncodeHuffmanSpec *edc[2], *eac[2];
+  VprDecodeHuffmanSpec *ddc[2], *dac[2];
+  HuffTables() {
+    using vprjpeg::tables::Huffman;
+    const Huffman* dc[2] = {&vprjpeg::tables::kDcLuma, &vprjpeg::tables::kDcChroma};
+    const Huffman* ac[2] = {&vprjpeg::tables::kAcLuma, &vprjpeg::tables::kAcChroma};
+    for (int t = 0; t < 2; ++t) {
+      vpriEncodeHuffmanSpecInitAlloc_JPEG_8u(dc[t]->counts, dc[t]->symbols, &edc[t]);
+      vpriEncodeHuffmanSpecInitAlloc_JPEG_8u(ac[t]->counts, ac[t]->symbols, &eac[t]);
+      vpriDecodeHuffmanSpecInitAlloc_JPEG_8u(dc[t]->counts, dc[t]->symbols, &ddc[t]);
+      vpriDecodeHuffmanSpecInitAlloc_JPEG_8u(ac[t]->counts, ac[t]->symbols, &dac[t]);
+    }
+  }
+};
+const HuffTables& huff() {
+  static const HuffTables h;
+  return h;
+}
+
+// Huffman-codes every block of s.coefs into out; returns the length.
+int huff_encode(const Stages& s, std::vector<uint8_t>& out, VprEncodeHuffmanState* state) {
+  vpriEncodeHuffmanStateInit_JPEG_8u(state);
+  int16_t prev[3] = {0, 0, 0};
+  int pos = 0;
+  const int per = s.y_blocks + 2, len = static_cast<int>(out.size());
+  const int16_t* b = s.coefs.data();
+  for (size_t m = 0; m < s.coefs.size() / (64 * per); ++m)
+    for (int k = 0; k < per; ++k, b += 64) {
+      const int c = k < s.y_blocks ? 0 : k - s.y_blocks + 1, t = c ? 1 : 0;
+      vpriEncodeHuffman8x8_JPEG_16s1u_C1(b, out.data(), len, &pos, &prev[c], huff().edc[t], huff().eac[t], state, 0);
+    }
+  vpriEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, out.data(), len, &pos, nullptr, nullptr, nullptr, state, 1);
+  return pos;
+}
+
+void stage(benchmark::State& state, int y_blocks, int which) {
+  const Stages& s = stages(y_blocks);
+  const int per = y_blocks + 2;
+  const size_t n = s.coefs.size();
+  std::vector<int16_t> work(n);
+  std::vector<uint8_t> px(static_cast<size_t>(kW) * kH * 3), bits(s.stream.size());
+  VprEncodeHuffmanState* es = nullptr;
+  VprDecodeHuffmanState* ds = nullptr;
+  vpriEncodeHuffmanStateInitAlloc_JPEG_8u(&es);
+  vpriDecodeHuffmanStateInitAlloc_JPEG_8u(&ds);
+  const int coded = huff_encode(s, bits, es);
+  const int mw = y_blocks == 1 ? 8 : 16, mh = y_blocks == 4 ? 16 : 8;
+  for (auto _ : state) {
+    switch (which) {
+      case 0:  // colour conversion, forward
+        for (int my = 0, i = 0; my < s.mcus_y; ++my)
+          for (int mx = 0; mx < s.mcus_x; ++mx, i += per * 64) {
+            Vpr16s* d[3] = {&work[i], &work[i + 64 * y_blocks], &work[i + 64 * (y_blocks + 1)]};
+            const uint8_t* src = image().pixels.data() + (static_cast<size_t>(my) * mh * kW + mx * mw) * 3;
+            if (y_blocks == 1) vpriRGBToYCbCr444LS_MCU_8u16s_C3P3R(src, kW * 3, d);
+            else vpriRGBToYCbCr411LS_MCU_8u16s_C3P3R(src, kW * 3, d);
+          }
+        break;
+      case 1:  // forward DCT and quantisation
+        for (size_t i = 0; i < n; i += 64)
+          vpriDCTQuantFwd8x8_JPEG_16s_C1(&s.shifted[i], &work[i], s.qf[((i / 64) % per) < static_cast<size_t>(y_blocks) ? 0 : 1]);
+        break;
+      case 2:  // Huffman encoding
+        benchmark::DoNotOptimize(huff_encode(s, bits, es));
+        break;
+      case 3: {  // Huffman decoding
+        vpriDecodeHuffmanStateInit_JPEG_8u(ds);
+        int pos = 0, marker = 0;
+        int16_t prev[3] = {0, 0, 0};
+        for (size_t i = 0; i < n; i += 64) {
+          const int k = static_cast<int>((i / 64) % per), c = k < y_blocks ? 0 : k - y_blocks + 1, t = c ? 1 : 0;
+          vpriDecodeHuffman8x8_JPEG_1u16s_C1(bits.data(), coded, &pos, &work[i], &prev[c], &marker, huff().ddc[t],
+                                             huff().dac[t], ds);
+        }
+        break;
+      }
+      case 4:  // dequantisation and inverse DCT
+        for (size_t i = 0; i < n; i += 64)
+          vpriDCTQuantInv8x8_JPEG_16s_C1(&s.coefs[i], &work[i], s.qi[((i / 64) % per) < static_cast<size_t>(y_blocks) ? 0 : 1]);
+        break;
+      default:  // colour conversion, inverse
+        for (int my = 0, i = 0; my < s.mcus_y; ++my)
+          for (int mx = 0; mx < s.mcus_x; ++mx, i += per * 64) {
+            const Vpr16s* src[3] = {&s.shifted[i], &s.shifted[i + 64 * y_blocks], &s.shifted[i + 64 * (y_blocks + 1)]};
+            uint8_t* d = px.data() + (static_cast<size_t>(my) * mh * kW + mx * mw) * 3;
+            if (y_blocks == 1) vpriYCbCr444ToRGBLS_MCU_16s8u_P3C3R(src, d, kW * 3);
+            else vpriYCbCr411ToRGBLS_MCU_16s8u_P3C3R(src, d, kW * 3);
+          }
+    }
+    benchmark::ClobberMemory();
+  }
+  vpriEncodeHuffmanStateFree_JPEG_8u(es);
+  vpriDecodeHuffmanStateFree_JPEG_8u(ds);
+  vprbench::set_mpix(state, double(kW) * kH);
+  vprbench::set_ns_per_block(state, double(n / 64));
+}
+
+#define STAGE(yb, tag, which, op)                                                      \
+  BENCHMARK_CAPTURE(stage, tag##op, yb, which)                                           \
+      ->Name("BM_Codec_Stage" #tag "_" #op "_vprjp")                                     \
+      ->Unit(benchmark::kMillisecond)
+STAGE(1, 444, 0, ColourFwd);
+STAGE(1, 444, 1, DCTQuantFwd);
+STAGE(1, 444, 2, HuffmanEncode);
+STAGE(1, 444, 3, HuffmanDecode);
+STAGE(1, 444, 4, DCTQuantInv);
+STAGE(1, 444, 5, ColourInv);
+STAGE(4, 420, 0, ColourFwd);
+STAGE(4, 420, 1, DCTQuantFwd);
+STAGE(4, 420, 2, HuffmanEncode);
+STAGE(4, 420, 3, HuffmanDecode);
+STAGE(4, 420, 4, DCTQuantInv);
+STAGE(4, 420, 5, ColourInv);
 
 using vprjpeg::Sampling;
 BENCHMARK_CAPTURE(encode_vprjp, 444, Sampling::k444)->Name("BM_Codec_Encode444_vprjp")->Unit(benchmark::kMillisecond);
