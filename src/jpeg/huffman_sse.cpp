@@ -22,6 +22,13 @@ inline bool has_ff(uint32_t w) {
 
 inline int bit_length(uint32_t a) { return a ? 32 - __builtin_clz(a) : 0; }
 
+// kLowMask[n] = 2^n - 1 (a load is cheaper than a shift by a variable).
+constexpr uint32_t kLowMask[33] = {
+    0x0,      0x1,      0x3,      0x7,      0xF,       0x1F,      0x3F,      0x7F,      0xFF,
+    0x1FF,    0x3FF,    0x7FF,    0xFFF,    0x1FFF,    0x3FFF,    0x7FFF,    0xFFFF,    0x1FFFF,
+    0x3FFFF,  0x7FFFF,  0xFFFFF,  0x1FFFFF, 0x3FFFFF,  0x7FFFFF,  0xFFFFFF,  0x1FFFFFF, 0x3FFFFFF,
+    0x7FFFFFF, 0xFFFFFFF, 0x1FFFFFFF, 0x3FFFFFFF, 0x7FFFFFFF, 0xFFFFFFFF};
+
 // Worst case of one block with codes of at most 16 bits: 7 waiting bits,
 // DC 16+16, 63 x (16+16), 3 ZRL, EOB = 2135 bits = 267 bytes, doubled by
 // stuffing, plus the 4-byte store granularity.
@@ -115,8 +122,8 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
     const uint32_t e = dc->entry[s];
     const int len = static_cast<int>(e >> 16);
     if (len - 1u > 15u) return kDeclined;
-    const uint32_t bits = s ? (static_cast<uint32_t>(diff + sgn) & ((1u << s) - 1u)) : 0u;
-    w.put(((e & ((1u << len) - 1u)) << s) | bits, len + s);
+    const uint32_t bits = static_cast<uint32_t>(diff + sgn) & kLowMask[s];
+    w.put(((e & kLowMask[len]) << s) | bits, len + s);
   }
   // AC
   const uint32_t zrl = ac->entry[0xF0];
@@ -142,7 +149,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
     const uint32_t e = ac->entry[sym];
     const int len = static_cast<int>(e >> 16);
     if (len - 1u > 15u) return kDeclined;
-    w.put(((e & ((1u << len) - 1u)) << s) | (static_cast<uint32_t>(v + sgn) & ((1u << s) - 1u)), len + s);
+    w.put(((e & kLowMask[len]) << s) | (static_cast<uint32_t>(v + sgn) & kLowMask[s]), len + s);
   }
   if (prev != 63) {
     const uint32_t e = ac->entry[0];
@@ -198,7 +205,9 @@ struct Reader {
       }
     }
     spill();
-    const VprStatus s = ownpj_FillBitBuffer(src, len, &pos, marker, need, st);
+    int p = pos;  // (keeps pos itself out of memory)
+    const VprStatus s = ownpj_FillBitBuffer(src, len, &p, marker, need, st);
+    pos = p;
     reload();
     return s;
   }
@@ -210,11 +219,33 @@ struct Reader {
   }
   inline uint32_t take(int t) {
     n -= t;
-    return (acc >> n) & ((1u << t) - 1u);
+    return (acc >> n) & kLowMask[t];
   }
   inline VprStatus slow(int L, const DecodeHuffmanSpecLayout* spec, int* sym) {
+    if (L == 9 && n >= 17) {
+      // Every bit the search can read is here: the same search in registers.
+      for (int l = 9; l <= 16; ++l) {
+        const uint32_t code = (acc >> (n - l)) & kLowMask[l];
+        const uint32_t mx = spec->maxcode[l];
+        if (mx != 0xFFFF && code <= mx) {
+          const int idx = spec->valindex[l] + static_cast<int>(code) - spec->mincode[l];
+          n -= l;
+          if (static_cast<unsigned>(idx) > 255u) {
+            *sym = 0;
+            return vprStatusCodeRange;
+          }
+          *sym = spec->symbols[idx];
+          return vprStatusOk;
+        }
+      }
+      n -= 17;  // no match: the 17th bit is read before giving up
+      *sym = 0;
+      return vprStatusCodeRange;
+    }
     spill();
-    const VprStatus s = ownpj_DecodeHuffSymbolSlow(src, len, &pos, marker, L, sym, spec, st);
+    int p = pos;
+    const VprStatus s = ownpj_DecodeHuffSymbolSlow(src, len, &p, marker, L, sym, spec, st);
+    pos = p;
     reload();
     return s;
   }
