@@ -592,8 +592,25 @@ TEST(DctForward, QuantisationRounding) {
     EXPECT_EQ(out[0], c.dc) << +c.px;
     for (int i = 1; i < 64; ++i) ASSERT_EQ(out[i], 0) << +c.px << " " << i;
   }
-  // reciprocal 32768 leaves the transform as it is
+  // reciprocal 32768 leaves the transform as it is: flat blocks give exactly
+  // their DC, 8 * (v - 128), and no AC (8-bit and 12-bit forms)
   std::vector<uint16_t> unit = unit_fwd_table();
+  std::vector<float> unitf(64, 1.0f);
+  for (int v = 0; v < 256; ++v) {
+    uint8_t flat[64];
+    uint16_t flat12[64];
+    std::memset(flat, v, 64);
+    for (auto& p : flat12) p = static_cast<uint16_t>(v * 16 + 5);
+    int16_t o8[64], o12[64];
+    ASSERT_EQ(vpriDCTQuantFwd8x8LS_JPEG_8u16s_C1R(flat, 8, o8, unit.data()), vprStatusOk);
+    ASSERT_EQ(vpriDCTQuantFwd8x8LS_JPEG_16u16s_C1R(flat12, 16, o12, unitf.data()), vprStatusOk);
+    ASSERT_EQ(o8[0], 8 * (v - 128));
+    ASSERT_EQ(o12[0], 8 * (v * 16 + 5 - 2048));
+    for (int i = 1; i < 64; ++i) {
+      ASSERT_EQ(o8[i], 0) << v << " " << i;
+      ASSERT_EQ(o12[i], 0) << v << " " << i;
+    }
+  }
   uint8_t px[64];
   std::memset(px, 200, 64);
   int16_t out[64];
