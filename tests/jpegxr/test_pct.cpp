@@ -158,6 +158,17 @@ TEST(PctEntries, NegativeStepWalksUpwards) {
   ref::pct_inv_32s(img.row(7), -img.step(), 8, 8);
   EXPECT_FALSE(vprtest::same_region(other, img));
   EXPECT_TRUE(vprtest::guards_ok(img));
+  // 16s, a width with a lone 4-wide block column, through the kernels.
+  Image<int16_t> h(20, 12, 6, 1);
+  h.fill_random(rng);
+  Image<int16_t> hw = h;
+  ASSERT_EQ(vpriPCTFwd_JPEGXR_16s_C1IR(h.row(11), -h.step(), {20, 12}), vprStatusOk);
+  ref::pct_fwd_16s(hw.row(11), -hw.step(), 20, 12);
+  EXPECT_TRUE(vprtest::same_region(h, hw));
+  ASSERT_EQ(vpriPCTInv8x8_JPEGXR_16s_C1IR(h.row(7), -h.step()), vprStatusOk);
+  ref::pct_inv_16s(hw.row(7), -hw.step(), 8, 8);
+  EXPECT_TRUE(vprtest::same_region(h, hw));
+  EXPECT_TRUE(vprtest::guards_ok(h));
 }
 
 struct FixedCase {
