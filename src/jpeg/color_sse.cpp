@@ -1,14 +1,23 @@
 // JPEG colour conversion: SSE4.1 row kernels.
 //
-// Products are formed with pmaddwd: two 16-bit samples of a pixel sit in
-// one 32-bit lane ((R, G), (B, 1), (Cb, Cr), ...) and one multiply-add
-// gives w0 * s0 + w1 * s1 exactly in 32 bits.  Weights that do not fit in
-// 16 bits are split into a multiple of 65536 (the sample moved into the
-// high half of the lane) plus a 16-bit remainder.  The 32-bit results are
-// shifted arithmetically and narrowed with packssdw / packuswb, which is
-// exactly clamp (and sat16) of the formulas.  Row remainders the SIMD steps
-// do not cover are converted by the scalar kernel of the same family, so
-// they follow the same formulas by construction.
+// Every kernel gives exactly the bytes of its scalar twin in color.cpp; the
+// arithmetic is rearranged, never approximated:
+//  - pmaddwd on two 16-bit samples of a pixel in one 32-bit lane ((B - G,
+//    R - G), (G, G), (R, G), (B, 1), ...) gives w0 * s0 + w1 * s1 exactly.
+//    Where the weights of a formula sum to zero (the forward chroma) one
+//    multiply-add on colour differences does the work of two.
+//  - A weight that is a multiple of 2^s plus a small one leaves a shift by s
+//    whole: Y = G + ((19595 R - 27066 G + ...) >> 16), R = Y + term(Cr), and
+//    the chroma terms of the sampled inverses are formed once per chroma
+//    sample and added to each Y that shares them.
+//  - Two-sample terms with 16-bit weights split as 256 h + l go through
+//    pmaddubsw on (Cb, Cr) or (R, G) byte pairs; single-sample terms use
+//    pmulhrsw / pmulhuw forms that equal the formula for all 256 inputs
+//    (the tests run every input).
+//  - 32-bit results are shifted arithmetically and narrowed with packssdw /
+//    packuswb, which is exactly clamp (and sat16) of the formulas.
+// Row remainders the SIMD steps do not cover go to the scalar kernel of the
+// same family, so they follow the same formulas by construction.
 #include "core/simd.h"
 #include "jpeg/color.h"
 
