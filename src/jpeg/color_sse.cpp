@@ -423,12 +423,14 @@ inline void split_terms(__m128i cbcr, __m128i* h, __m128i* l) {
 }
 
 // Family E / E' on 8 pixels: 16-bit R, G, B before the final clamp.  cbcr
-// holds the (Cb, Cr) byte pairs of the same 8 pixels.
+// holds the (Cb, Cr) byte pairs of the same 8 pixels, cb16 their Cb.
 template <bool kPlanarG>
-inline void e_8(__m128i y16, __m128i cb16, __m128i cr16, __m128i cbcr, __m128i* r, __m128i* g, __m128i* b) {
+inline void e_8(__m128i y16, __m128i cb16, __m128i cbcr, __m128i* r, __m128i* g, __m128i* b) {
   // (22970 Cr - 2932015) >> 14 == mulhi_u16(4 Cr + 3, 22969) - 180 for every
   // Cr in 0..255 (checked over all values).
-  *r = _mm_add_epi16(y16, _mm_add_epi16(_mm_mulhi_epu16(_mm_add_epi16(_mm_slli_epi16(cr16, 2), _mm_set1_epi16(3)),
+  // 4 Cr + 3 straight from the (Cb, Cr) bytes: (Cb, Cr) * (0, 4) + 3.
+  *r = _mm_add_epi16(y16, _mm_add_epi16(_mm_mulhi_epu16(_mm_add_epi16(_mm_maddubs_epi16(cbcr, bytes_w(0, 4)),
+                                                                      _mm_set1_epi16(3)),
                                                         _mm_set1_epi16(22969)),
                                         _mm_set1_epi16(-180)));
   // (29032 Cb - 3708561) >> 14 == mulhrs(8 (Cb - 128) - 3, 11354) - (Cb - 128) + 1
@@ -509,8 +511,8 @@ inline void p3_to_c3_rows(const uint8_t* y, const uint8_t* cb, const uint8_t* cr
   for (; x + 16 <= n; x += 16) {
     const __m128i Y = load16(y + x), CB = load16(cb + x), CR = load16(cr + x);
     __m128i r0, g0, b0, r1, g1, b1;
-    conv(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
-    conv(hi16(Y), hi16(CB), hi16(CR), _mm_unpackhi_epi8(CB, CR), &r1, &g1, &b1);
+    conv(lo16(Y), lo16(CB), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
+    conv(hi16(Y), hi16(CB), _mm_unpackhi_epi8(CB, CR), &r1, &g1, &b1);
     out(d + 3 * x, pack_u8(r0, r1), pack_u8(g0, g1), pack_u8(b0, b1), 16);
   }
   for (int px = 8; px >= 4; px -= 4) {
@@ -518,7 +520,7 @@ inline void p3_to_c3_rows(const uint8_t* y, const uint8_t* cb, const uint8_t* cr
     const __m128i Y = px == 8 ? load8(y + x) : load4(y + x), CB = px == 8 ? load8(cb + x) : load4(cb + x),
                   CR = px == 8 ? load8(cr + x) : load4(cr + x);
     __m128i r0, g0, b0;
-    conv(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
+    conv(lo16(Y), lo16(CB), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
     out(d + 3 * x, pack_u8(r0, r0), pack_u8(g0, g0), pack_u8(b0, b0), px);
     x += px;
   }
@@ -797,8 +799,8 @@ void ownpj_YCbCrToRGB_JPEG_8u_P3R_opt(const uint8_t* y, const uint8_t* cb, const
   for (; x + 16 <= n4; x += 16) {
     const __m128i Y = load16(y + x), CB = load16(cb + x), CR = load16(cr + x);
     __m128i r0, g0, b0, r1, g1, b1;
-    e_8<true>(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
-    e_8<true>(hi16(Y), hi16(CB), hi16(CR), _mm_unpackhi_epi8(CB, CR), &r1, &g1, &b1);
+    e_8<true>(lo16(Y), lo16(CB), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
+    e_8<true>(hi16(Y), hi16(CB), _mm_unpackhi_epi8(CB, CR), &r1, &g1, &b1);
     store16(r + x, pack_u8(r0, r1));
     store16(g + x, pack_u8(g0, g1));
     store16(b + x, pack_u8(b0, b1));
@@ -808,7 +810,7 @@ void ownpj_YCbCrToRGB_JPEG_8u_P3R_opt(const uint8_t* y, const uint8_t* cb, const
     __m128i r0, g0, b0;
     const __m128i Y = px == 8 ? load8(y + x) : load4(y + x), CB = px == 8 ? load8(cb + x) : load4(cb + x),
                   CR = px == 8 ? load8(cr + x) : load4(cr + x);
-    e_8<true>(lo16(Y), lo16(CB), lo16(CR), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
+    e_8<true>(lo16(Y), lo16(CB), _mm_unpacklo_epi8(CB, CR), &r0, &g0, &b0);
     const __m128i R = pack_u8(r0, r0), G = pack_u8(g0, g0), B = pack_u8(b0, b0);
     if (px == 8) {
       store8(r + x, R);
