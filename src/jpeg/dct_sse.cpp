@@ -1,10 +1,11 @@
-// SSE kernels of the fused 8x8 DCT.  The block lives in eight registers, one
-// row each: row passes work inside a register (pair sums with pmaddwd), column
-// passes across the eight registers (high-half products with pmulhw), so no
-// transposes are needed.  Every kernel gives the bits of its twin in dct.cpp.
+// SSE kernels of the fused 8x8 DCT.  Fixed point: the block lives in eight
+// registers, one row each; row passes work inside a register (pair sums with
+// pmaddwd), column passes across the eight registers (high-half products with
+// pmulhw), so no transposes are needed.  Single precision (12-bit forms): two
+// registers per row, butterflies across registers, an 8x8 transpose between
+// the passes.  Every kernel gives the bits of its twin in dct.cpp.
 #include "core/simd.h"
 #include "jpeg/dct.h"
-#include "jpeg/levelshift_quant.h"
 
 namespace vpr::jpeg::sse {
 
