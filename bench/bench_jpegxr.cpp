@@ -50,7 +50,7 @@ void BM_kernel(benchmark::State& s, void (*fn)(T*, std::ptrdiff_t, int, int)) {
   vprbench::set_mpix(s, double(kW) * kH);
 }
 
-// Fixed-size form over every macroblock of a 1024x1024 plane.
+// Fixed-size form over every macroblock of the plane.
 template <class T>
 void BM_fixed(benchmark::State& s, VprStatus (*fn)(T*, int), int bw, int bh) {
   std::vector<T> buf = test_plane<T>(kW, kH);
