@@ -287,6 +287,21 @@ inline uint32_t read_bits_raw(const uint8_t* p, int64_t pos, int n) {
 VprStatus ownpj_DecodeLongBits(const uint8_t* pSrc, int64_t srcBits, int64_t* pBitPosition, int L, int* pSymbol,
                                const DecodeHuffmanSpecLayout* spec) {
   int64_t pos = *pBitPosition;
+  if (pos + 16 <= srcBits) {  // all 16 bits at hand: search them at once
+    const uint32_t w = read_bits_raw(pSrc, pos, 16);
+    for (int l = L; l <= 16; ++l) {
+      const uint32_t code = w >> (16 - l);
+      const uint32_t mx = spec->maxcode[l];
+      if (mx != 0xFFFF && code <= mx) {
+        const int idx = spec->valindex[l] + static_cast<int>(code) - spec->mincode[l];
+        if (idx < 0 || idx > 255) return vprStatusCodeRange;
+        *pSymbol = spec->symbols[idx];
+        *pBitPosition = pos + l;
+        return vprStatusOk;
+      }
+    }
+    return vprStatusCodeRange;
+  }
   if (pos + L > srcBits) return vprStatusOutOfBuffer;
   uint32_t code = read_bits_raw(pSrc, pos, L);
   pos += L;
@@ -510,9 +525,21 @@ VprStatus decode_block_8x8_direct(const uint8_t* pSrc, int srcLen, int* pSrcBitP
   std::memset(pDst, 0, 64 * sizeof(int16_t));
   const int64_t srcBits = (srcLen < kMaxDirectBytes ? srcLen : kMaxDirectBytes) * 8;
   int64_t pos = *pSrcBitPosition;
+  // n (<= 16) bits at pos, which exist: one 8-byte load away from the end
+  // of the input, byte by byte near it.
+  const int64_t wideEnd = srcBits / 8 - 8;
+  auto bits_at = [&](int n) -> uint32_t {
+    if ((pos >> 3) <= wideEnd) {
+      uint64_t w;
+      std::memcpy(&w, pSrc + (pos >> 3), 8);
+      w = __builtin_bswap64(w) << (pos & 7);
+      return static_cast<uint32_t>(w >> (64 - n));
+    }
+    return read_bits_raw(pSrc, pos, n);
+  };
   auto symbol = [&](const DecodeHuffmanSpecLayout* spec, int* out) -> VprStatus {
     if (pos + 8 <= srcBits) {
-      const uint32_t peek = read_bits_raw(pSrc, pos, 8);
+      const uint32_t peek = bits_at(8);
       const int len = spec->fast[peek][1];
       if (len) {
         pos += len;
@@ -525,7 +552,7 @@ VprStatus decode_block_8x8_direct(const uint8_t* pSrc, int srcLen, int* pSrcBitP
   };
   auto value = [&](int t, int32_t* out) -> VprStatus {
     if (pos + t > srcBits) return vprStatusOutOfBuffer;
-    *out = t ? extend_bits(read_bits_raw(pSrc, pos, t), t) : 0;
+    *out = t ? extend_bits(bits_at(t), t) : 0;
     pos += t;
     return vprStatusOk;
   };

@@ -83,7 +83,8 @@ inline uint32_t value_bits(int32_t v, int s) {
 // Sign extension of t value bits (t = 0..15).
 inline int32_t extend_bits(uint32_t v, int t) {
   if (t == 0) return 0;
-  return (v >> (t - 1)) ? static_cast<int32_t>(v) : static_cast<int32_t>(v) + own_pj_lowest_coef[t];
+  const uint32_t low = (v >> (t - 1)) - 1u;  // all ones when the top bit is 0
+  return static_cast<int32_t>(v + (low & static_cast<uint32_t>(own_pj_lowest_coef[t])));
 }
 
 // ------------------------------------------------------------ builders
