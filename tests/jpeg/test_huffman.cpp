@@ -833,7 +833,7 @@ TEST(HuffmanBlock, FastAndCarefulEncodersAgree) {
   vprtest::Rng rng(21);
   EncTables tabs[2] = {enc_tables(kDcLuma, kAcLuma), enc_tables(kDcChroma, kAcChroma)};
   int declined = 0;
-  for (int trial = 0; trial < 3000; ++trial) {
+  for (int trial = 0; trial < 6000; ++trial) {
     int16_t blk[64];
     const int kind = trial % 4;
     random_block(rng, blk, kind == 0 ? 0.15 : kind == 1 ? 0.6 : 1.0, kind == 3);
@@ -889,7 +889,7 @@ TEST(HuffmanBlock, FastAndCarefulDecodersAgreeOnAnyBytes) {
   }
   ASSERT_EQ(c.flush(), vprStatusOk);
   const std::vector<uint8_t> clean = c.bytes();
-  for (int variant = 0; variant < 60; ++variant) {
+  for (int variant = 0; variant < 200; ++variant) {
     std::vector<uint8_t> src = clean;
     if (variant > 0) {
       const int edits = static_cast<int>(rng.uniform(1, 6));
