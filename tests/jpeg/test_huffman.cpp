@@ -1065,6 +1065,16 @@ TEST(HuffmanBlock, DecodingStopsAtTheEndOfAPage) {
           break;
       }
       ASSERT_LE(bitpos, static_cast<int>(s.size()) * 8);
+      // And the single-value decoder.
+      DecState so{};
+      int opos = 0, omarker = 0;
+      for (int i = 0; i < 400; ++i) {
+        int16_t v;
+        const VprStatus r = vpriDecodeHuffmanOne_JPEG_1u16s_C1(src, static_cast<int>(s.size()), &opos, &v, &omarker,
+                                                               c.dt.acp(), ds(&so));
+        ASSERT_LE(opos, static_cast<int>(s.size()));
+        if (r != vprStatusOk) break;
+      }
     }
   }
   munmap(mem, static_cast<size_t>(2 * page));
