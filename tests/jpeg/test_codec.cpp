@@ -159,31 +159,31 @@ TEST(CodecInterop, OptimisedTablesAndRestartIntervalsChangeNoPixel) {
   // 1x1 colour, 17x9 grey, 203x77 colour.
   for (int w : {1, 17, 203})
     for (Sampling s : {Sampling::k444, Sampling::k422, Sampling::k420}) {
-    if (w == 17 && s != Sampling::k444) continue;  // grey: one layout
-    const Image img = test_image(w, w == 203 ? 77 : (w == 1 ? 1 : 9), w == 17 ? 1 : 3);
-    const int ch = img.channels;
-    SCOPED_TRACE(std::string(name(s)) + " width " + std::to_string(w));
-    EncodeOptions plain;
-    plain.quality = 80, plain.sampling = s;
-    std::vector<uint8_t> base;
-    ASSERT_EQ(vprjpeg::encode(img, plain, base), "");
-    Image ref_tj, ref_ours;
-    ASSERT_TRUE(tj_decode(base, ch, ref_tj));
-    ASSERT_EQ(vprjpeg::decode(base, ref_ours), "");
-    for (bool opt : {false, true})
-      for (int ri : {0, 1, 3, 7, 1000}) {
-        SCOPED_TRACE("optimised " + std::to_string(opt) + " restart " + std::to_string(ri));
-        EncodeOptions o = plain;
-        o.optimize_huffman = opt, o.restart_interval = ri;
-        std::vector<uint8_t> jpeg;
-        ASSERT_EQ(vprjpeg::encode(img, o, jpeg), "");
-        if (opt && w > 100) EXPECT_LT(jpeg.size(), base.size() + (ri > 0 ? 2000u : 0u));
-        Image tj, ours;
-        ASSERT_TRUE(tj_decode(jpeg, ch, tj));
-        ASSERT_EQ(vprjpeg::decode(jpeg, ours), "");
-        EXPECT_EQ(tj.pixels, ref_tj.pixels);
-        EXPECT_EQ(ours.pixels, ref_ours.pixels);
-      }
+      if (w == 17 && s != Sampling::k444) continue;  // grey: one layout
+      const Image img = test_image(w, w == 203 ? 77 : (w == 1 ? 1 : 9), w == 17 ? 1 : 3);
+      const int ch = img.channels;
+      SCOPED_TRACE(std::string(name(s)) + " width " + std::to_string(w));
+      EncodeOptions plain;
+      plain.quality = 80, plain.sampling = s;
+      std::vector<uint8_t> base;
+      ASSERT_EQ(vprjpeg::encode(img, plain, base), "");
+      Image ref_tj, ref_ours;
+      ASSERT_TRUE(tj_decode(base, ch, ref_tj));
+      ASSERT_EQ(vprjpeg::decode(base, ref_ours), "");
+      for (bool opt : {false, true})
+        for (int ri : {0, 1, 3, 7, 1000}) {
+          SCOPED_TRACE("optimised " + std::to_string(opt) + " restart " + std::to_string(ri));
+          EncodeOptions o = plain;
+          o.optimize_huffman = opt, o.restart_interval = ri;
+          std::vector<uint8_t> jpeg;
+          ASSERT_EQ(vprjpeg::encode(img, o, jpeg), "");
+          if (opt && w > 100) EXPECT_LT(jpeg.size(), base.size() + (ri > 0 ? 2000u : 0u));
+          Image tj, ours;
+          ASSERT_TRUE(tj_decode(jpeg, ch, tj));
+          ASSERT_EQ(vprjpeg::decode(jpeg, ours), "");
+          EXPECT_EQ(tj.pixels, ref_tj.pixels);
+          EXPECT_EQ(ours.pixels, ref_ours.pixels);
+        }
     }
 }
 
