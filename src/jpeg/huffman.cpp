@@ -522,7 +522,7 @@ VprStatus encode_block_8x8_direct(const int16_t* pSrc, uint8_t* pDst, int dstLen
 VprStatus decode_block_8x8_direct(const uint8_t* pSrc, int srcLen, int* pSrcBitPosition, int16_t* pDst,
                                   int16_t* pPreviousDc, const DecodeHuffmanSpecLayout* dc,
                                   const DecodeHuffmanSpecLayout* ac) {
-  std::memset(pDst, 0, 64 * sizeof(int16_t));
+  clear_block(pDst);
   const int64_t srcBits = (srcLen < kMaxDirectBytes ? srcLen : kMaxDirectBytes) * 8;
   int64_t pos = *pSrcBitPosition;
   // n (<= 16) bits at pos, which exist: one 8-byte load away from the end

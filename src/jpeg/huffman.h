@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+#include "core/simd.h"
 #include "jpeg/zigzag.h"
 #include "vprjp_jpeg_huffman.h"
 
@@ -85,6 +86,14 @@ inline int32_t extend_bits(uint32_t v, int t) {
   if (t == 0) return 0;
   const uint32_t low = (v >> (t - 1)) - 1u;  // all ones when the top bit is 0
   return static_cast<int32_t>(v + (low & static_cast<uint32_t>(own_pj_lowest_coef[t])));
+}
+
+// Zeroes the 64 coefficients of a block with eight plain stores (a memset
+// there becomes a `rep stos`, whose start-up cost is that of a whole block).
+inline void clear_block(int16_t* p) {
+  __m128i zero = _mm_setzero_si128();
+  __asm__("" : "+x"(zero));
+  for (int i = 0; i < 8; ++i) _mm_storeu_si128(reinterpret_cast<__m128i*>(p + 8 * i), zero);
 }
 
 // ------------------------------------------------------------ builders

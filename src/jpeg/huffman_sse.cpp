@@ -271,11 +271,7 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
                            int* pMarker, const DecodeHuffmanSpecLayout* dc, const DecodeHuffmanSpecLayout* ac,
                            DecodeHuffmanStateLayout* state) {
   if (*pMarker != 0) return kDeclined;
-  // Eight plain stores: the compiler would otherwise turn them into a
-  // memset, which becomes a `rep stos` with a large start-up cost.
-  __m128i zero = _mm_setzero_si128();
-  __asm__("" : "+x"(zero));
-  for (int i = 0; i < 8; ++i) _mm_storeu_si128(reinterpret_cast<__m128i*>(pDst + 8 * i), zero);
+  clear_block(pDst);
 
   Reader r{pSrc, srcLen, *pSrcPosition, pMarker, state->acc, state->nbits, state};
   VprStatus st;
