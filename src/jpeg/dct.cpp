@@ -51,7 +51,6 @@ alignas(16) const int16_t tab_f_35[32] = {
 const int16_t* const tab_i_row[8] = {tab_i_04, tab_i_17, tab_i_26, tab_i_35, tab_i_04, tab_i_35, tab_i_26, tab_i_17};
 const int16_t* const tab_f_row[8] = {tab_f_04, tab_f_17, tab_f_26, tab_f_35, tab_f_04, tab_f_35, tab_f_26, tab_f_17};
 
-const int32_t round_i[8] = {65536, 2901, 2260, 1704, 1024, 455, 512, 373};
 
 namespace {
 constexpr float norm_entry(int v, int u) {
@@ -234,10 +233,14 @@ void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) {
   }
 }
 
+void quant_coefs_8x8(const int16_t* coef, int16_t* dst, const uint16_t* fwd) {
+  for (int i = 0; i < 64; ++i) dst[i] = quant_round(coef[i], fwd[i]);
+}
+
 void dct_quant_fwd_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* fwd) {
   int16_t blk[64];
   dct_8x8_fwd_16s(src, blk);
-  for (int i = 0; i < 64; ++i) dst[i] = quant_round(blk[i], fwd[i]);
+  quant_coefs_8x8(blk, dst, fwd);
 }
 
 void dct_quant_fwd_8x8_ls_8u16s(const uint8_t* src, int src_step, int16_t* dst, const uint16_t* fwd) {

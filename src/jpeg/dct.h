@@ -17,7 +17,8 @@
 //   forward rows:  saturating s = x[k] + x[7-k], d = x[k] - x[7-k], 32-bit
 //                  pair sums with tab_f_xx, (sum + round_frw_row) >> 20,
 //                  signed saturation;
-//   quantisation:  sign(c) * min((|c| * r + 16384) >> 15, 32767).
+//   quantisation:  sign(c) * min((|c| * r + 16384) >> 15, 32767)
+//                  (quant_coefs_8x8: this step alone, on any coefficients).
 // The 12-bit forms and the 4x4 scaled inverse use single precision with
 // fixed summation order (see the public header).
 #pragma once
@@ -41,7 +42,7 @@ inline constexpr int16_t ocos_4_16 = 23170;  // cos(pi/4) * 32768
 inline constexpr int16_t one_corr = 1;
 inline constexpr int32_t round_frw_row = 524288;  // 2^19
 // Inverse row rounders, row 0..7.
-extern const int32_t round_i[8];
+inline constexpr int32_t round_i[8] = {65536, 2901, 2260, 1704, 1024, 455, 512, 373};
 
 // Single precision.  kC1..kC7 = cos(k pi/16); dct_norm_8[v][u] = C(u) C(v) / 4
 // with C(0) = 1/sqrt(2), else 1 (0.125 exactly at DC, so flat blocks stay
@@ -58,6 +59,7 @@ extern const float dct_cos_4t[4][4];
   void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst);                                                 \
   void dct_8x8_inv_16s(const int16_t* src, int16_t* dst);                                                 \
   void dct_quant_fwd_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* fwd);                     \
+  void quant_coefs_8x8(const int16_t* coef, int16_t* dst, const uint16_t* fwd);                           \
   void dct_quant_fwd_8x8_ls_8u16s(const uint8_t* src, int src_step, int16_t* dst, const uint16_t* fwd);  \
   void dct_quant_fwd_8x8_ls_16u16s(const uint16_t* src, int src_step, int16_t* dst, const float* fwd);   \
   void dct_quant_inv_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* inv);                     \

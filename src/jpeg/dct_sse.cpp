@@ -18,6 +18,10 @@ inline __m128i subs(__m128i a, __m128i b) { return _mm_subs_epi16(a, b); }
 inline __m128i mulhi(__m128i a, __m128i c) { return _mm_mulhi_epi16(a, c); }
 inline __m128i load_tab(const int16_t* t) { return _mm_load_si128(reinterpret_cast<const __m128i*>(t)); }
 
+// Row tables by row, as address constants (no pointer loads in the kernels).
+constexpr const int16_t* kTabI[8] = {tab_i_04, tab_i_17, tab_i_26, tab_i_35, tab_i_04, tab_i_35, tab_i_26, tab_i_17};
+constexpr const int16_t* kTabF[8] = {tab_f_04, tab_f_17, tab_f_26, tab_f_35, tab_f_04, tab_f_35, tab_f_26, tab_f_17};
+
 // ------------------------------------------------------------ inverse
 
 // Row pass of one row: (x0..x7) -> 8 values, 16-bit saturated.
@@ -95,10 +99,40 @@ inline void idct_cols(__m128i* x) {
 // Rounder of row r >= 1: 0 when the row is all zero (the row is skipped).
 inline int32_t row_rounder(__m128i x, int r) { return _mm_testz_si128(x, x) ? 0 : round_i[r]; }
 
+// Row pass of row r >= 1 with the rounder of a skipped all-zero row dropped.
+// An all-zero row gives rnd >> 11 in every lane, which is 0 for the rounders
+// of rows 3..7 (all below 2048): only rows 1 and 2 need the test, done here
+// without a branch.
+template <int r>
+inline __m128i idct_row_skip(__m128i x) {
+  const int16_t* t = kTabI[r];
+  if constexpr (round_i[r] < 2048) return idct_row(x, t, round_i[r]);
+  __m128i o = _mm_or_si128(x, _mm_shuffle_epi32(x, 0x4E));
+  o = _mm_or_si128(o, _mm_shuffle_epi32(o, 0xB1));  // every dword: OR of the row
+  const __m128i zero_row = _mm_cmpeq_epi32(o, _mm_setzero_si128());
+  const __m128i rnd = _mm_andnot_si128(zero_row, _mm_set1_epi32(round_i[r]));
+  const __m128i xe = _mm_shuffle_epi8(x, _mm_setr_epi8(0, 1, 4, 5, 0, 1, 4, 5, 8, 9, 12, 13, 8, 9, 12, 13));
+  const __m128i xo = _mm_shuffle_epi8(x, _mm_setr_epi8(2, 3, 6, 7, 2, 3, 6, 7, 10, 11, 14, 15, 10, 11, 14, 15));
+  __m128i e = _mm_add_epi32(_mm_madd_epi16(xe, load_tab(t)),
+                            _mm_shuffle_epi32(_mm_madd_epi16(xe, load_tab(t + 8)), 0x4E));
+  const __m128i od = _mm_add_epi32(_mm_madd_epi16(xo, load_tab(t + 16)),
+                                   _mm_shuffle_epi32(_mm_madd_epi16(xo, load_tab(t + 24)), 0x4E));
+  e = _mm_add_epi32(e, rnd);
+  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(e, od), 11);
+  const __m128i hi = _mm_shuffle_epi32(_mm_srai_epi32(_mm_sub_epi32(e, od), 11), 0x1B);
+  return _mm_packs_epi32(lo, hi);
+}
+
 // Full inverse of eight coefficient rows (already dequantised) into x[0..7].
 inline void idct_8x8(__m128i* x) {
-  x[0] = idct_row(x[0], tab_i_row[0], round_i[0]);
-  for (int r = 1; r < 8; ++r) x[r] = idct_row(x[r], tab_i_row[r], row_rounder(x[r], r));
+  x[0] = idct_row(x[0], kTabI[0], round_i[0]);
+  x[1] = idct_row_skip<1>(x[1]);
+  x[2] = idct_row_skip<2>(x[2]);
+  x[3] = idct_row_skip<3>(x[3]);
+  x[4] = idct_row_skip<4>(x[4]);
+  x[5] = idct_row_skip<5>(x[5]);
+  x[6] = idct_row_skip<6>(x[6]);
+  x[7] = idct_row_skip<7>(x[7]);
   idct_cols<false>(x);
 }
 
@@ -108,10 +142,12 @@ inline void dequant_idct(const int16_t* src, const uint16_t* inv, __m128i* x) {
   idct_8x8(x);
 }
 
+// clamp(v + 128, 0, 255) as clamp(v, -128, 127) + 128: packsswb, then the
+// sign bit flipped.
 inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
-  const __m128i k128 = _mm_set1_epi16(128);
+  const __m128i k80 = _mm_set1_epi8(static_cast<char>(0x80));
   for (int r = 0; r < 8; r += 2) {
-    const __m128i p = _mm_packus_epi16(adds(x[r], k128), adds(x[r + 1], k128));
+    const __m128i p = _mm_xor_si128(_mm_packs_epi16(x[r], x[r + 1]), k80);
     store8(dst + r * dst_step, p);
     store8(dst + (r + 1) * dst_step, _mm_unpackhi_epi64(p, p));
   }
@@ -119,13 +155,13 @@ inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
 
 // ------------------------------------------------------------ forward
 
-// Column pass over the eight row registers (inputs not yet shifted).
+// Column pass over the eight row registers, which already hold the inputs
+// shifted left by 3.
 inline void fdct_cols(__m128i* x) {
   const __m128i tg1 = _mm_set1_epi16(tg_1_16), tg2 = _mm_set1_epi16(tg_2_16);
   const __m128i tg3 = _mm_set1_epi16(tg_3_16), oc4 = _mm_set1_epi16(ocos_4_16);
   const __m128i corr = _mm_set1_epi16(one_corr);
-  __m128i s[8];
-  for (int i = 0; i < 8; ++i) s[i] = _mm_slli_epi16(x[i], 3);
+  const __m128i* s = x;
   const __m128i t0 = adds(s[0], s[7]), t7 = subs(s[0], s[7]);
   const __m128i t1 = adds(s[1], s[6]), t6 = subs(s[1], s[6]);
   const __m128i t2 = adds(s[2], s[5]), t5 = subs(s[2], s[5]);
@@ -168,8 +204,36 @@ inline __m128i quant_round(__m128i c, __m128i r) {
   return _mm_sign_epi16(_mm_min_epu16(m, _mm_set1_epi16(32767)), c);
 }
 
-inline void fdct_rows_quant_store(__m128i* x, int16_t* dst, const uint16_t* fwd) {
-  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, quant_round(fdct_row(x[r], tab_f_row[r]), load16(fwd + 8 * r)));
+// The same rounded quotient when r <= 32767: pmulhrsw gives (a * r + 16384) >> 15
+// exactly and never exceeds 32767.  |-32768| stays 0x8000 (-32768 as a signed
+// factor), so the product comes out negated for that lane alone; the second
+// psignw, by that negative |c|, turns it back.
+inline __m128i quant_round_short(__m128i c, __m128i r) {
+  const __m128i a = _mm_abs_epi16(c);
+  return _mm_sign_epi16(_mm_sign_epi16(_mm_mulhrs_epi16(a, r), c), a);
+}
+
+// True when every reciprocal of the table is at most 32767 (every table built
+// from quantisers 2..255, or with zero entries).
+inline bool short_reciprocals(const uint16_t* fwd) {
+  __m128i o = _mm_or_si128(load16(fwd), load16(fwd + 8));
+  for (int r = 16; r < 64; r += 8) o = _mm_or_si128(o, load16(fwd + r));
+  return (_mm_movemask_epi8(o) & 0xAAAA) == 0;
+}
+
+// Row pass of the eight rows, quantisation and store.
+inline void fdct_rows_quant_store(const __m128i* x, int16_t* dst, const uint16_t* fwd) {
+  if (short_reciprocals(fwd)) {
+    for (int r = 0; r < 8; ++r)
+      store16(dst + 8 * r, quant_round_short(fdct_row(x[r], kTabF[r]), load16(fwd + 8 * r)));
+  } else {
+    for (int r = 0; r < 8; ++r) store16(dst + 8 * r, quant_round(fdct_row(x[r], kTabF[r]), load16(fwd + 8 * r)));
+  }
+}
+
+// Eight rows of 16-bit samples, shifted left by 3.
+inline void load_shifted(const int16_t* src, __m128i* x) {
+  for (int r = 0; r < 8; ++r) x[r] = _mm_slli_epi16(load16(src + 8 * r), 3);
 }
 
 // ------------------------------------------------------------ float helpers
@@ -252,9 +316,17 @@ inline void idct8_ps(__m128* X) {
 
 void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst) {
   __m128i x[8];
-  for (int r = 0; r < 8; ++r) x[r] = load16(src + 8 * r);
+  load_shifted(src, x);
   fdct_cols(x);
-  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, fdct_row(x[r], tab_f_row[r]));
+  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, fdct_row(x[r], kTabF[r]));
+}
+
+void quant_coefs_8x8(const int16_t* coef, int16_t* dst, const uint16_t* fwd) {
+  if (short_reciprocals(fwd)) {
+    for (int r = 0; r < 64; r += 8) store16(dst + r, quant_round_short(load16(coef + r), load16(fwd + r)));
+  } else {
+    for (int r = 0; r < 64; r += 8) store16(dst + r, quant_round(load16(coef + r), load16(fwd + r)));
+  }
 }
 
 void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) {
@@ -266,15 +338,16 @@ void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) {
 
 void dct_quant_fwd_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* fwd) {
   __m128i x[8];
-  for (int r = 0; r < 8; ++r) x[r] = load16(src + 8 * r);
+  load_shifted(src, x);
   fdct_cols(x);
   fdct_rows_quant_store(x, dst, fwd);
 }
 
 void dct_quant_fwd_8x8_ls_8u16s(const uint8_t* src, int src_step, int16_t* dst, const uint16_t* fwd) {
-  const __m128i zero = _mm_setzero_si128(), k128 = _mm_set1_epi16(128);
+  // (v - 128) << 3 in one pmaddubsw: byte pairs (v, 128) times (8, -8).
+  const __m128i k128 = _mm_set1_epi8(static_cast<char>(128)), k8 = _mm_set1_epi16(static_cast<int16_t>(0xF808));
   __m128i x[8];
-  for (int r = 0; r < 8; ++r) x[r] = _mm_sub_epi16(_mm_unpacklo_epi8(load8(src + r * src_step), zero), k128);
+  for (int r = 0; r < 8; ++r) x[r] = _mm_maddubs_epi16(_mm_unpacklo_epi8(load8(src + r * src_step), k128), k8);
   fdct_cols(x);
   fdct_rows_quant_store(x, dst, fwd);
 }

@@ -575,6 +575,44 @@ TEST(DctInverse, TwelveBitWithinOneOfDoublePrecision) {
   }
 }
 
+// The quantisation step alone: every 16-bit coefficient against every
+// reciprocal the table builder produces (quantisers 0..255), the values
+// around 16384 and 32768 and the largest ones, in uniform and mixed tables
+// (a table with one reciprocal above 32767 takes the general path).
+TEST(DctForward, QuantisationOfEveryCoefficient) {
+  std::vector<uint16_t> recips;
+  for (int q = 0; q < 256; ++q) {
+    uint8_t raw[64];
+    std::memset(raw, q, 64);
+    uint16_t fwd[64];
+    vpriQuantFwdTableInit_JPEG_8u16u(raw, fwd);
+    recips.push_back(fwd[0]);
+  }
+  for (int r : {16383, 16385, 32766, 32767, 32769, 49152, 65534, 65535}) recips.push_back(static_cast<uint16_t>(r));
+  vprtest::Rng rng(32768);
+  for (size_t k = 0; k < recips.size(); ++k) {
+    uint16_t fwd[64];
+    for (int i = 0; i < 64; ++i) fwd[i] = recips[k];
+    // every third table mixes in other reciprocals of the list
+    if (k % 3 == 1)
+      for (int i = 0; i < 64; i += 5) fwd[i] = recips[rng.uniform(0, static_cast<int>(recips.size()) - 1)];
+    for (int c0 = -32768; c0 < 32768; c0 += 64) {
+      int16_t coef[64], a[64], b[64];
+      for (int i = 0; i < 64; ++i) coef[i] = static_cast<int16_t>(c0 + i);
+      ref::quant_coefs_8x8(coef, a, fwd);
+      sse::quant_coefs_8x8(coef, b, fwd);
+      ASSERT_TRUE(vprtest::same_array(a, b, 64)) << "r " << recips[k] << " c0 " << c0;
+    }
+  }
+  // hand-computed: ties round away from zero, the largest results saturate
+  uint16_t fwd[64];
+  int16_t coef[64] = {1, -1, 3, -3, -32768, 32767, -32768, 32767}, out[64];
+  for (int i = 0; i < 64; ++i) fwd[i] = i < 4 ? 16384 : i < 6 ? 32768 : 16384;
+  sse::quant_coefs_8x8(coef, out, fwd);
+  const int16_t want[8] = {1, -1, 2, -2, -32767, 32767, -16384, 16384};
+  EXPECT_TRUE(vprtest::same_array(out, want, 8));
+}
+
 // Quantisation after the forward transform: c * r / 32768 rounded, halves
 // away from zero.
 TEST(DctForward, QuantisationRounding) {
