@@ -5,6 +5,7 @@
 // a message instead of guessing.
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "jpeg_codec.h"
 #include "jpeg_internal.h"
@@ -200,6 +201,22 @@ class Decoder {
     return {};
   }
 
+  // The blocks of one MCU in scan order (Y blocks, then Cb, then Cr), each
+  // with its tables and the place its 8x8 samples go in the planes of the
+  // MCU row: MCU mx puts them at `samples + mx * advance`, rows `step` apart.
+  struct Block {
+    int16_t* coef;
+    Vpr16s* prev_dc;
+    const VprDecodeHuffmanSpec *dc, *ac;
+    const Vpr16u* q;
+    uint8_t* samples;
+    int advance, step;
+  };
+
+  // Colour images are decoded one MCU row at a time: every block's inverse
+  // DCT writes 8-bit samples into Y, Cb and Cr planes that span the MCU row,
+  // and one colour conversion per MCU row turns them into RGB image rows.
+  // Greyscale blocks are written straight into the image.
   std::string decode_scan(Image& out) {
     const int mcu_w = 8 * h_, mcu_h = 8 * v_;
     const int mcus_x = (width_ + mcu_w - 1) / mcu_w, mcus_y = (height_ + mcu_h - 1) / mcu_h;
@@ -217,18 +234,16 @@ class Decoder {
     out.width = width_, out.height = height_, out.channels = ncomp_;
     // Every pixel is written below, so a buffer of the right size is reused as is.
     out.pixels.resize(static_cast<size_t>(width_) * height_ * ncomp_);
-    const int stride = width_ * ncomp_;
-    alignas(16) int16_t blk[6 * 64];
-    alignas(16) uint8_t edge[16 * 16 * 3];
+    alignas(16) int16_t coef[6 * 64];  // the coefficients of one MCU
+    alignas(16) uint8_t edge[64];      // a grey block that sticks out of the image
+
+    // Planes of one MCU row: Y is mcus_x * mcu_w samples wide and mcu_h
+    // high, Cb and Cr are mcus_x * 8 wide and 8 high.
+    const int y_step = mcus_x * mcu_w, c_step = mcus_x * 8;
+    if (ncomp_ == 3) planes_.resize(static_cast<size_t>(y_step) * mcu_h + 2 * static_cast<size_t>(c_step) * 8);
+    uint8_t* const plane[3] = {planes_.data(), planes_.data() + y_step * mcu_h, planes_.data() + y_step * mcu_h + c_step * 8};
+
     const int len = static_cast<int>(std::min<size_t>(n_, 0x7FFFFFFF));
-    // The blocks of one MCU in scan order, each with its tables and its
-    // place in the MCU layout (Y blocks, then Cb, then Cr).
-    struct Block {
-      int16_t* coef;
-      Vpr16s* prev_dc;
-      const VprDecodeHuffmanSpec *dc, *ac;
-      const Vpr16u* q;
-    };
     Block plan[6];
     int nplan = 0;
     for (int i = 0; i < ncomp_; ++i) {
@@ -236,17 +251,23 @@ class Decoder {
       Component& c = comp_[ci];
       const int first = ci == 0 ? 0 : y_blocks + ci - 1;
       const int count = ci == 0 && ncomp_ == 3 ? y_blocks : 1;
-      for (int b = first; b < first + count; ++b)
-        plan[nplan++] = {blk + 64 * b, &c.prev_dc, dc_[c.td].get(), ac_[c.ta].get(), qinv_[c.tq]};
+      for (int b = first; b < first + count; ++b) {
+        Block& k = plan[nplan++];
+        k = {coef + 64 * b, &c.prev_dc, dc_[c.td].get(), ac_[c.ta].get(), qinv_[c.tq], nullptr, 8, c_step};
+        if (ncomp_ == 1) continue;
+        if (ci == 0) {  // Y block b: column 8 (b & 1), row 8 (b >> 1) of the MCU
+          k.samples = plane[0] + (b >> 1) * 8 * y_step + (b & 1) * 8;
+          k.advance = mcu_w, k.step = y_step;
+        } else {
+          k.samples = plane[ci];
+        }
+      }
     }
-    using McuOut = VprStatus (*)(const Vpr16s*[3], Vpr8u*, int);
-    const McuOut convert = y_blocks == 1   ? vpriYCbCr444ToRGBLS_MCU_16s8u_P3C3R
-                           : y_blocks == 2 ? vpriYCbCr422ToRGBLS_MCU_16s8u_P3C3R
-                                           : vpriYCbCr411ToRGBLS_MCU_16s8u_P3C3R;
-    const Vpr16s* mcu[3] = {blk, blk + 64 * y_blocks, blk + 64 * (y_blocks + 1)};
+
     int p = static_cast<int>(pos_);
     int m = 0;
-    for (int my = 0; my < mcus_y; ++my)
+    for (int my = 0; my < mcus_y; ++my) {
+      const int y0 = my * mcu_h;
       for (int mx = 0; mx < mcus_x; ++mx, ++m) {
         if (restart_ > 0 && m > 0 && m % restart_ == 0) {
           pos_ = static_cast<size_t>(p);
@@ -259,29 +280,80 @@ class Decoder {
               vpriDecodeHuffman8x8_JPEG_1u16s_C1(d_, len, &p, b.coef, b.prev_dc, &marker_, b.dc, b.ac, state_.get());
           if (st != vprStatusOk) return entropy_error(st, mx, my);
         }
-        const int x0 = mx * mcu_w, y0 = my * mcu_h;
-        const bool inside = x0 + mcu_w <= width_ && y0 + mcu_h <= height_;
-        uint8_t* dst = inside ? out.pixels.data() + static_cast<size_t>(y0) * stride + static_cast<size_t>(x0) * ncomp_ : edge;
-        const int step = inside ? stride : mcu_w * ncomp_;
-        VprStatus st;
         if (ncomp_ == 1) {
-          st = vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(blk, dst, step, plan[0].q);
-        } else {
-          for (int k = 0; k < nplan; ++k) {
-            st = vpriDCTQuantInv8x8_JPEG_16s_C1I(plan[k].coef, plan[k].q);
-            if (st != vprStatusOk) return status_text("inverse DCT", st);
-          }
-          st = convert(mcu, dst, step);
+          if (std::string e = put_grey_block(coef, plan[0].q, out, mx * 8, y0, edge); !e.empty()) return e;
+          continue;
         }
-        if (st != vprStatusOk) return status_text("MCU output", st);
-        if (!inside) {
-          const int w = std::min(mcu_w, width_ - x0) * ncomp_, h = std::min(mcu_h, height_ - y0);
-          for (int r = 0; r < h; ++r)
-            std::memcpy(out.pixels.data() + static_cast<size_t>(y0 + r) * stride + static_cast<size_t>(x0) * ncomp_,
-                        edge + r * step, static_cast<size_t>(w));
+        for (int k = 0; k < nplan; ++k) {
+          const Block& b = plan[k];
+          const VprStatus st = inverse_dct(b.coef, b.samples + mx * b.advance, b.step, b.q);
+          if (st != vprStatusOk) return status_text("inverse DCT", st);
         }
       }
+      if (ncomp_ == 3)
+        if (std::string e = put_colour_rows(plane, y_step, c_step, out, y0); !e.empty()) return e;
+    }
     return {};
+  }
+
+  // One grey block at (x0, y0): straight into the image, or through `edge`
+  // when it sticks out of the image on the right or at the bottom.
+  std::string put_grey_block(const int16_t* coef, const Vpr16u* q, Image& out, int x0, int y0, uint8_t* edge) const {
+    uint8_t* dst = out.pixels.data() + static_cast<size_t>(y0) * width_ + x0;
+    const bool inside = x0 + 8 <= width_ && y0 + 8 <= height_;
+    const VprStatus st = inside ? inverse_dct(coef, dst, width_, q) : inverse_dct(coef, edge, 8, q);
+    if (st != vprStatusOk) return status_text("inverse DCT", st);
+    if (!inside) {
+      const int w = std::min(8, width_ - x0), h = std::min(8, height_ - y0);
+      for (int r = 0; r < h; ++r) std::memcpy(dst + static_cast<size_t>(r) * width_, edge + 8 * r, static_cast<size_t>(w));
+    }
+    return {};
+  }
+
+  // Colour conversion of the MCU row at image row y0 into RGB.  The
+  // converters replicate chroma over pixel pairs (4:2:2) or 2x2 blocks
+  // (4:2:0) and so want even sizes there; an odd width, or an odd number of
+  // rows left in a 4:2:0 image, is converted at the padded size into
+  // `rows_` and cropped.
+  std::string put_colour_rows(uint8_t* const plane[3], int y_step, int c_step, Image& out, int y0) {
+    const int mcu_h = 8 * v_;
+    const int rows = std::min(mcu_h, height_ - y0);
+    const Vpr8u* const src[3] = {plane[0], plane[1], plane[2]};
+    const int stride = width_ * 3;
+    uint8_t* dst = out.pixels.data() + static_cast<size_t>(y0) * stride;
+    const bool direct = (h_ == 1 || width_ % 2 == 0) && (v_ == 1 || rows % 2 == 0);
+    if (direct) {
+      const VprStatus st = to_rgb(src, y_step, c_step, dst, stride, VprRoiSize{width_, rows});
+      return st == vprStatusOk ? std::string() : status_text("colour conversion", st);
+    }
+    rows_.resize(static_cast<size_t>(y_step) * 3 * mcu_h);
+    const VprStatus st = to_rgb(src, y_step, c_step, rows_.data(), y_step * 3, VprRoiSize{y_step, mcu_h});
+    if (st != vprStatusOk) return status_text("colour conversion", st);
+    for (int r = 0; r < rows; ++r)
+      std::memcpy(dst + static_cast<size_t>(r) * stride, rows_.data() + static_cast<size_t>(r) * y_step * 3,
+                  static_cast<size_t>(stride));
+    return {};
+  }
+
+  // Y, Cb, Cr planes to RGB pixels; in 4:4:4 all three planes share y_step.
+  VprStatus to_rgb(const Vpr8u* const src[3], int y_step, int c_step, uint8_t* dst, int step, VprRoiSize roi) const {
+    if (h_ == 1) return vpriYCbCrToRGB_JPEG_8u_P3C3R(src, y_step, dst, step, roi);
+    int steps[3] = {y_step, c_step, c_step};
+    if (v_ == 1) return vpriYCbCr422ToRGB_JPEG_8u_P3C3R(src, steps, dst, step, roi);
+    return vpriYCbCr411ToRGB_JPEG_8u_P3C3R(src, steps, dst, step, roi);
+  }
+
+  // Dequantisation, inverse DCT and level shift of one block.  Most blocks
+  // of a photo have only low frequencies left after quantisation; the
+  // sparse inverses give exactly the full inverse's samples for them at a
+  // fraction of the cost.
+  static VprStatus inverse_dct(const int16_t* c, uint8_t* dst, int step, const Vpr16u* q) {
+    switch (coefficient_extent(c)) {
+      case 1: return vpriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R(c, dst, step, q);
+      case 2: return vpriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R(c, dst, step, q);
+      case 4: return vpriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R(c, dst, step, q);
+      default: return vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(c, dst, step, q);
+    }
   }
 
   static std::string entropy_error(VprStatus st, int mx, int my) {
@@ -307,6 +379,8 @@ class Decoder {
   bool qset_[4] = {};
   DecodeSpec dc_[4], ac_[4];
   DecodeState state_;
+  std::vector<uint8_t> planes_;  // 8-bit Y, Cb, Cr of one MCU row
+  std::vector<uint8_t> rows_;    // RGB rows of an MCU row that needs cropping
 };
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "jpeg_codec.h"
+#include "jpeg_internal.h"
 #include "vprtest.h"
 
 namespace {
@@ -349,6 +350,40 @@ TEST(CodecErrors, HugeDimensionsWithLittleDataAreRefused) {
     }
   Image out;
   EXPECT_NE(vprjpeg::decode(jpeg, out), "");
+}
+
+// ------------------------------------------------------------ decoder internals
+// The decoder picks the 1x1, 2x2, 4x4 or full inverse DCT from the square
+// that holds a block's non-zero coefficients: a square too small would drop
+// a coefficient.
+TEST(CodecDecoder, CoefficientExtentCoversEveryNonZeroCoefficient) {
+  const auto expected = [](int k) {
+    const int r = k / 8, c = k % 8, m = std::max(r, c);
+    return m == 0 ? 1 : m < 2 ? 2 : m < 4 ? 4 : 8;
+  };
+  alignas(16) int16_t blk[64] = {};
+  EXPECT_EQ(vprjpeg::detail::coefficient_extent(blk), 1);  // all zero
+  for (int16_t v : {int16_t{1}, int16_t{-1}, int16_t{-32768}, int16_t{256}})
+    for (int k = 0; k < 64; ++k) {
+      std::fill(std::begin(blk), std::end(blk), int16_t{0});
+      blk[k] = v;
+      EXPECT_EQ(vprjpeg::detail::coefficient_extent(blk), expected(k)) << "coefficient " << k << " = " << v;
+      blk[0] = 17;  // a DC term changes nothing
+      EXPECT_EQ(vprjpeg::detail::coefficient_extent(blk), expected(k)) << "coefficient " << k << " with DC";
+    }
+  // Several coefficients: the largest square wins.
+  std::mt19937 rng(3);
+  for (int i = 0; i < 2000; ++i) {
+    std::fill(std::begin(blk), std::end(blk), int16_t{0});
+    int want = 1;
+    const int n = 1 + static_cast<int>(rng() % 4), span = 1 << (rng() % 4);  // positions inside a span x span square
+    for (int j = 0; j < n; ++j) {
+      const int k = static_cast<int>(rng() % span) * 8 + static_cast<int>(rng() % span);
+      blk[k] = static_cast<int16_t>(1 + rng() % 100);
+      want = std::max(want, expected(k));
+    }
+    EXPECT_EQ(vprjpeg::detail::coefficient_extent(blk), want);
+  }
 }
 
 // ------------------------------------------------------------ own round trip and I/O
