@@ -337,10 +337,29 @@ class Decoder {
 
   // Y, Cb, Cr planes to RGB pixels; in 4:4:4 all three planes share y_step.
   VprStatus to_rgb(const Vpr8u* const src[3], int y_step, int c_step, uint8_t* dst, int step, VprRoiSize roi) const {
-    if (h_ == 1) return vpriYCbCrToRGB_JPEG_8u_P3C3R(src, y_step, dst, step, roi);
+    if (h_ == 1) return to_rgb_444(src, y_step, dst, step, roi);
     int steps[3] = {y_step, c_step, c_step};
     if (v_ == 1) return vpriYCbCr422ToRGB_JPEG_8u_P3C3R(src, steps, dst, step, roi);
     return vpriYCbCr411ToRGB_JPEG_8u_P3C3R(src, steps, dst, step, roi);
+  }
+
+  // The 4:4:4 converter spreads areas of more than 8192 pixels over the
+  // library's threads, which costs more than it saves on the few rows of an
+  // MCU row; it is called on at most 8192 pixels of one row at a time so the
+  // decoder stays on the calling thread.  (The pieces are multiples of 4
+  // pixels, so the result is that of one call on the whole area.)
+  static VprStatus to_rgb_444(const Vpr8u* const src[3], int src_step, uint8_t* dst, int step, VprRoiSize roi) {
+    constexpr int kPiece = 8192;
+    for (int r = 0; r < roi.height; ++r)
+      for (int x = 0; x < roi.width; x += kPiece) {
+        const size_t at = static_cast<size_t>(r) * src_step + x;
+        const Vpr8u* const row[3] = {src[0] + at, src[1] + at, src[2] + at};
+        const VprRoiSize piece{std::min(kPiece, roi.width - x), 1};
+        const VprStatus st =
+            vpriYCbCrToRGB_JPEG_8u_P3C3R(row, src_step, dst + static_cast<size_t>(r) * step + 3 * static_cast<size_t>(x), step, piece);
+        if (st != vprStatusOk) return st;
+      }
+    return vprStatusOk;
   }
 
   // Dequantisation, inverse DCT and level shift of one block.  Most blocks

@@ -270,32 +270,32 @@ class Encoder {
     const VprEncodeHuffmanSpec *dcs[6], *acs[6];
     int16_t* pred[6];
     for (int b = 0; b < per; ++b) dcs[b] = dcspec_[table_of(b)].get(), acs[b] = acspec_[table_of(b)].get(), pred[b] = &prev[comp_of(b)];
-    const int mcus = L_.mcus_x * L_.mcus_y;
     int restarts = 0;
-    for (int m = 0; m < mcus; ++m) {
-      room(kMcuWorstBytes);
-      uint8_t* dst = buf.data() + base;
-      const int len = static_cast<int>(std::min<size_t>(buf.size() - base, 0x7FFFFFFF));
-      VprStatus st;
-      if (opt_.restart_interval > 0 && m > 0 && m % opt_.restart_interval == 0) {
-        st = vpriEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, dst, len, &pos, nullptr, nullptr, nullptr, state_.get(), 1);
-        if (st != vprStatusOk) return status_text("encode: flush", st);
-        dst[pos++] = 0xFF;
-        dst[pos++] = static_cast<uint8_t>(0xD0 + (restarts++ & 7));
-        prev[0] = prev[1] = prev[2] = 0;
+    for (int my = 0, m = 0; my < L_.mcus_y; ++my)
+      for (int mx = 0; mx < L_.mcus_x; ++mx, ++m) {
+        room(kMcuWorstBytes);
+        uint8_t* dst = buf.data() + base;
+        const int len = static_cast<int>(std::min<size_t>(buf.size() - base, 0x7FFFFFFF));
+        VprStatus st;
+        if (opt_.restart_interval > 0 && m > 0 && m % opt_.restart_interval == 0) {
+          st = vpriEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, dst, len, &pos, nullptr, nullptr, nullptr, state_.get(), 1);
+          if (st != vprStatusOk) return status_text("encode: flush", st);
+          dst[pos++] = 0xFF;
+          dst[pos++] = static_cast<uint8_t>(0xD0 + (restarts++ & 7));
+          prev[0] = prev[1] = prev[2] = 0;
+        }
+        const int16_t* blocks;
+        if (opt_.optimize_huffman) {
+          blocks = coefs_.data() + static_cast<size_t>(m) * per * 64;
+        } else {
+          if (std::string e = transform_mcu(mx, my, local); !e.empty()) return e;
+          blocks = local;
+        }
+        for (int b = 0; b < per; ++b) {
+          st = vpriEncodeHuffman8x8_JPEG_16s1u_C1(blocks + 64 * b, dst, len, &pos, pred[b], dcs[b], acs[b], state_.get(), 0);
+          if (st != vprStatusOk) return status_text("encode: Huffman coding", st);
+        }
       }
-      const int16_t* blocks;
-      if (opt_.optimize_huffman) {
-        blocks = coefs_.data() + static_cast<size_t>(m) * per * 64;
-      } else {
-        if (std::string e = transform_mcu(m % L_.mcus_x, m / L_.mcus_x, local); !e.empty()) return e;
-        blocks = local;
-      }
-      for (int b = 0; b < per; ++b) {
-        st = vpriEncodeHuffman8x8_JPEG_16s1u_C1(blocks + 64 * b, dst, len, &pos, pred[b], dcs[b], acs[b], state_.get(), 0);
-        if (st != vprStatusOk) return status_text("encode: Huffman coding", st);
-      }
-    }
     room(16);
     const int len = static_cast<int>(std::min<size_t>(buf.size() - base, 0x7FFFFFFF));
     const VprStatus st =
