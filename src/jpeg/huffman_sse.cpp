@@ -178,6 +178,7 @@ struct Reader {
   uint32_t acc;
   int n;
   DecodeHuffmanStateLayout* st;
+  bool marked;  // *marker != 0; only the careful routines can set it
 
   // The careful routines on the register copy.
   inline void spill() {
@@ -191,7 +192,7 @@ struct Reader {
   // Same effect as ownpj_FillBitBuffer (n < 25 on entry): whole bytes until
   // at least 25 bits are valid; four bytes at once when none is 0xFF.
   inline VprStatus fill(int need) {
-    if (*marker == 0 && pos <= len - 4) {
+    if (!marked && pos <= len - 4) {
       uint32_t w;
       std::memcpy(&w, src + pos, 4);
       w = bswap32(w);
@@ -209,6 +210,7 @@ struct Reader {
     const VprStatus s = ownpj_FillBitBuffer(src, len, &p, marker, need, st);
     pos = p;
     reload();
+    marked = *marker != 0;
     return s;
   }
   inline VprStatus need(int t) {
@@ -221,7 +223,8 @@ struct Reader {
     n -= t;
     return (acc >> n) & kLowMask[t];
   }
-  inline VprStatus slow(int L, const DecodeHuffmanSpecLayout* spec, int* sym) {
+  // The symbol (>= 0) or a negative status.
+  inline int slow(int L, const DecodeHuffmanSpecLayout* spec) {
     if (L == 9 && n >= 17) {
       // Every bit the search can read is here: the same search in registers.
       for (int l = 9; l <= 16; ++l) {
@@ -230,38 +233,35 @@ struct Reader {
         if (mx != 0xFFFF && code <= mx) {
           const int idx = spec->valindex[l] + static_cast<int>(code) - spec->mincode[l];
           n -= l;
-          if (static_cast<unsigned>(idx) > 255u) {
-            *sym = 0;
-            return vprStatusCodeRange;
-          }
-          *sym = spec->symbols[idx];
-          return vprStatusOk;
+          if (static_cast<unsigned>(idx) > 255u) return vprStatusCodeRange;
+          return spec->symbols[idx];
         }
       }
       n -= 17;  // no match: the 17th bit is read before giving up
-      *sym = 0;
       return vprStatusCodeRange;
     }
     spill();
     int p = pos;
-    const VprStatus s = ownpj_DecodeHuffSymbolSlow(src, len, &p, marker, L, sym, spec, st);
+    int sym = 0;
+    const VprStatus s = ownpj_DecodeHuffSymbolSlow(src, len, &p, marker, L, &sym, spec, st);
     pos = p;
     reload();
-    return s;
+    marked = *marker != 0;
+    return s < 0 ? s : sym;
   }
-  inline VprStatus symbol(const DecodeHuffmanSpecLayout* spec, int* sym) {
+  // The symbol (>= 0; symbols are bytes) or a negative status.
+  inline int symbol(const DecodeHuffmanSpecLayout* spec) {
     if (n < 8) {
       const VprStatus s = fill(0);
       if (s < 0) return s;
-      if (n < 8) return slow(1, spec, sym);
+      if (n < 8) return slow(1, spec);
     }
     uint32_t pair;
     std::memcpy(&pair, spec->fast[(acc >> (n - 8)) & 0xFFu], 4);
     const int l = static_cast<int>(pair >> 16);
-    if (l == 0) return slow(9, spec, sym);
+    if (l == 0) return slow(9, spec);
     n -= l;
-    *sym = static_cast<int>(pair & 0xFFFFu);
-    return vprStatusOk;
+    return static_cast<int>(pair & 0xFFFFu);
   }
 };
 
@@ -273,11 +273,13 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
   if (*pMarker != 0) return kDeclined;
   clear_block(pDst);
 
-  Reader r{pSrc, srcLen, *pSrcPosition, pMarker, state->acc, state->nbits, state};
+  Reader r{pSrc, srcLen, *pSrcPosition, pMarker, state->acc, state->nbits, state, false};
   VprStatus st;
-  int sym = 0;
-  st = r.symbol(dc, &sym);
-  if (st < 0) goto fail;
+  int sym = r.symbol(dc);
+  if (sym < 0) {
+    st = sym;
+    goto fail;
+  }
   {
     int32_t v = 0;
     if (sym > 0) {
@@ -290,8 +292,11 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
     pDst[0] = *pPreviousDc;
   }
   for (int k = 1; k < 64;) {
-    st = r.symbol(ac, &sym);
-    if (st < 0) goto fail;
+    sym = r.symbol(ac);
+    if (sym < 0) {
+      st = sym;
+      goto fail;
+    }
     const int run = sym >> 4, t = sym & 15;
     if (t != 0) {
       k += run;
