@@ -29,6 +29,27 @@ constexpr uint32_t kLowMask[33] = {
     0x3FFFF,  0x7FFFF,  0xFFFFF,  0x1FFFFF, 0x3FFFFF,  0x7FFFFF,  0xFFFFFF,  0x1FFFFFF, 0x3FFFFFF,
     0x7FFFFFF, 0xFFFFFFF, 0x1FFFFFFF, 0x3FFFFFFF, 0x7FFFFFFF, 0xFFFFFFFF};
 
+// Local copies of the zig-zag order (natural position of zig-zag position k)
+// and of the lowest value of each category: the shared tables would be
+// reached through the GOT, one more load per coefficient.
+struct ZigZagOrder {
+  uint8_t nat[64];
+};
+constexpr ZigZagOrder make_zigzag_order() {
+  ZigZagOrder z{};
+  int k = 0;
+  for (int s = 0; s < 15; ++s)  // anti-diagonals, alternating direction
+    for (int i = 0; i < 8; ++i) {
+      const int r = (s % 2 == 0) ? (s < 8 ? s - i : 7 - i) : (s < 8 ? i : s - 7 + i);
+      const int c = s - r;
+      if (r >= 0 && r < 8 && c >= 0 && c < 8) z.nat[k++] = static_cast<uint8_t>(r * 8 + c);
+    }
+  return z;
+}
+alignas(64) constexpr ZigZagOrder kZigZag = make_zigzag_order();
+constexpr int32_t kLowestCoef[16] = {0,    -1,    -3,    -7,     -15,    -31,    -63,    -127,
+                                     -255, -511, -1023, -2047, -4095, -8191, -16383, -32767};
+
 // Worst case of one block with codes of at most 16 bits: 7 waiting bits,
 // DC 16+16, 63 x (16+16), 3 ZRL, EOB = 2135 bits = 267 bytes, doubled by
 // stuffing, plus the 4-byte store granularity.
@@ -141,7 +162,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
         run -= 16;
       } while (run > 15);
     }
-    const int32_t v = pSrc[own_pj_izigzag_index[k]];
+    const int32_t v = pSrc[kZigZag.nat[k]];
     const int32_t sgn = v >> 31;
     const int s = bit_length(static_cast<uint32_t>((v ^ sgn) - sgn));
     const int sym = run * 16 + s;
@@ -311,8 +332,8 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
       }
       // Sign extension without a branch: add 1 - 2^t when the top bit is 0.
       const uint32_t low = (bits >> (t - 1)) - 1u;  // all ones when the top bit is 0
-      const int32_t v = static_cast<int32_t>(bits + (low & static_cast<uint32_t>(own_pj_lowest_coef[t])));
-      pDst[own_pj_izigzag_index[k]] = static_cast<int16_t>(v);
+      const int32_t v = static_cast<int32_t>(bits + (low & static_cast<uint32_t>(kLowestCoef[t])));
+      pDst[kZigZag.nat[k]] = static_cast<int16_t>(v);
       ++k;
     } else if (run == 15) {
       k += 16;
