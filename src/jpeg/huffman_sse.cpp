@@ -50,6 +50,13 @@ alignas(64) constexpr ZigZagOrder kZigZag = make_zigzag_order();
 constexpr int32_t kLowestCoef[16] = {0,    -1,    -3,    -7,     -15,    -31,    -63,    -127,
                                      -255, -511, -1023, -2047, -4095, -8191, -16383, -32767};
 
+// kPow2[n] = 2^n.
+constexpr uint64_t kPow2[33] = {
+    1ull << 0,  1ull << 1,  1ull << 2,  1ull << 3,  1ull << 4,  1ull << 5,  1ull << 6,  1ull << 7,  1ull << 8,
+    1ull << 9,  1ull << 10, 1ull << 11, 1ull << 12, 1ull << 13, 1ull << 14, 1ull << 15, 1ull << 16, 1ull << 17,
+    1ull << 18, 1ull << 19, 1ull << 20, 1ull << 21, 1ull << 22, 1ull << 23, 1ull << 24, 1ull << 25, 1ull << 26,
+    1ull << 27, 1ull << 28, 1ull << 29, 1ull << 30, 1ull << 31, 1ull << 32};
+
 // Worst case of one block with codes of at most 16 bits: 7 waiting bits,
 // DC 16+16, 63 x (16+16), 3 ZRL, EOB = 2135 bits = 267 bytes, doubled by
 // stuffing, plus the 4-byte store granularity.
@@ -89,8 +96,12 @@ struct Writer {
     if (b == 0xFF) *out++ = 0;
     last = b;
   }
-  inline void put(uint32_t bits, int len) {  // len <= 32
-    bb = (bb << len) | bits;
+  // The same with the accumulator shift done by a multiply (the variable
+  // shifts and the branches compete for the same two ports).
+  inline void put_mul(uint32_t bits, int len) { put_shifted(bb * kPow2[len] | bits, len); }
+  inline void put(uint32_t bits, int len) { put_shifted((bb << len) | bits, len); }
+  inline void put_shifted(uint64_t shifted, int len) {  // len <= 32
+    bb = shifted;
     n += len;
     if (n >= 32) {
       n -= 32;
@@ -148,29 +159,32 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
   }
   // AC
   const uint32_t zrl = ac->entry[0xF0];
+  const uint32_t* const acTab = ac->entry;
   int prev = 0;
   while (nz) {
     const int k = __builtin_ctzll(nz);
     nz &= nz - 1;
-    int run = k - prev - 1;
+    unsigned run = static_cast<unsigned>(k - prev - 1);
     prev = k;
     if (run > 15) {
-      const int zlen = static_cast<int>(zrl >> 16);
+      const unsigned zlen = zrl >> 16;
       if (zlen - 1u > 15u) return kDeclined;
       do {
-        w.put(zrl & ((1u << zlen) - 1u), zlen);
+        w.put(zrl & kLowMask[zlen], static_cast<int>(zlen));
         run -= 16;
       } while (run > 15);
     }
     const int32_t v = pSrc[kZigZag.nat[k]];
-    const int32_t sgn = v >> 31;
-    const int s = bit_length(static_cast<uint32_t>((v ^ sgn) - sgn));
-    const int sym = run * 16 + s;
+    const uint32_t sgn = static_cast<uint32_t>(v >> 31);
+    const uint32_t t = static_cast<uint32_t>(v) + sgn;  // v, or v - 1 when negative
+    const uint32_t a = t ^ sgn;                         // |v|, not 0
+    const unsigned s = static_cast<unsigned>(31 ^ __builtin_clz(a)) + 1u;
+    const unsigned sym = run * 16 + s;
     if (sym > 255) return kDeclined;
-    const uint32_t e = ac->entry[sym];
-    const int len = static_cast<int>(e >> 16);
+    const uint32_t e = acTab[sym];
+    const unsigned len = e >> 16;
     if (len - 1u > 15u) return kDeclined;
-    w.put(((e & kLowMask[len]) << s) | (static_cast<uint32_t>(v + sgn) & kLowMask[s]), len + s);
+    w.put_mul((e & kLowMask[len]) * kPow2[s] | (t & kLowMask[s]), static_cast<int>(len + s));
   }
   if (prev != 63) {
     const uint32_t e = ac->entry[0];
