@@ -50,12 +50,22 @@ alignas(64) constexpr ZigZagOrder kZigZag = make_zigzag_order();
 constexpr int32_t kLowestCoef[16] = {0,    -1,    -3,    -7,     -15,    -31,    -63,    -127,
                                      -255, -511, -1023, -2047, -4095, -8191, -16383, -32767};
 
-// kPow2[n] = 2^n.
-constexpr uint64_t kPow2[33] = {
-    1ull << 0,  1ull << 1,  1ull << 2,  1ull << 3,  1ull << 4,  1ull << 5,  1ull << 6,  1ull << 7,  1ull << 8,
-    1ull << 9,  1ull << 10, 1ull << 11, 1ull << 12, 1ull << 13, 1ull << 14, 1ull << 15, 1ull << 16, 1ull << 17,
-    1ull << 18, 1ull << 19, 1ull << 20, 1ull << 21, 1ull << 22, 1ull << 23, 1ull << 24, 1ull << 25, 1ull << 26,
-    1ull << 27, 1ull << 28, 1ull << 29, 1ull << 30, 1ull << 31, 1ull << 32};
+// The encoder's constant tables behind one base register.
+struct EncodeTables {
+  uint64_t pow2[33];
+  uint32_t lowmask[33];
+  uint8_t zz[64];
+};
+constexpr EncodeTables make_encode_tables() {
+  EncodeTables t{};
+  for (int i = 0; i <= 32; ++i) {
+    t.pow2[i] = uint64_t{1} << i;
+    t.lowmask[i] = kLowMask[i];
+  }
+  for (int i = 0; i < 64; ++i) t.zz[i] = kZigZag.nat[i];
+  return t;
+}
+alignas(64) constexpr EncodeTables kEnc = make_encode_tables();
 
 // Worst case of one block with codes of at most 16 bits: 7 waiting bits,
 // DC 16+16, 63 x (16+16), 3 ZRL, EOB = 2135 bits = 267 bytes, doubled by
@@ -85,20 +95,20 @@ constexpr ZigZagBits make_zigzag_bits() {
 }
 alignas(64) constexpr ZigZagBits kZigZagBits = make_zigzag_bits();
 
+// The last data byte is not tracked while writing: it is read back from the
+// output at the end (a 0x00 after a 0xFF there is the stuffed byte).
 struct Writer {
   uint8_t* out;
   uint64_t bb;  // right-aligned; only the low n bits matter
   int n;
-  uint32_t last;  // last data byte written (the state's bits 24..31)
 
   inline void emit_byte(uint32_t b) {
     *out++ = static_cast<uint8_t>(b);
     if (b == 0xFF) *out++ = 0;
-    last = b;
   }
   // The same with the accumulator shift done by a multiply (the variable
   // shifts and the branches compete for the same two ports).
-  inline void put_mul(uint32_t bits, int len) { put_shifted(bb * kPow2[len] | bits, len); }
+  inline void put_mul(uint32_t bits, int len) { put_shifted(bb * kEnc.pow2[len] | bits, len); }
   inline void put(uint32_t bits, int len) { put_shifted((bb << len) | bits, len); }
   inline void put_shifted(uint64_t shifted, int len) {  // len <= 32
     bb = shifted;
@@ -110,7 +120,6 @@ struct Writer {
         const uint32_t be = bswap32(w);
         std::memcpy(out, &be, 4);
         out += 4;
-        last = w & 0xFFu;
       } else {
         emit_byte(w >> 24);
         emit_byte((w >> 16) & 0xFFu);
@@ -144,7 +153,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
   nz &= ~uint64_t{1};
 
   const int c = state->nbits;
-  Writer w{pDst + pos, c ? (state->acc >> (24 - c)) & ((1u << c) - 1u) : 0u, c, state->acc >> 24};
+  Writer w{pDst + pos, c ? (state->acc >> (24 - c)) & ((1u << c) - 1u) : 0u, c};
 
   // DC
   const int32_t diff = static_cast<int32_t>(pSrc[0]) - prevDc;
@@ -160,6 +169,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
   // AC
   const uint32_t zrl = ac->entry[0xF0];
   const uint32_t* const acTab = ac->entry;
+  const EncodeTables& T = kEnc;
   int prev = 0;
   while (nz) {
     const int k = __builtin_ctzll(nz);
@@ -174,7 +184,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
         run -= 16;
       } while (run > 15);
     }
-    const int32_t v = pSrc[kZigZag.nat[k]];
+    const int32_t v = pSrc[T.zz[k]];
     const uint32_t sgn = static_cast<uint32_t>(v >> 31);
     const uint32_t t = static_cast<uint32_t>(v) + sgn;  // v, or v - 1 when negative
     const uint32_t a = t ^ sgn;                         // |v|, not 0
@@ -184,7 +194,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
     const uint32_t e = acTab[sym];
     const unsigned len = e >> 16;
     if (len - 1u > 15u) return kDeclined;
-    w.put_mul((e & kLowMask[len]) * kPow2[s] | (t & kLowMask[s]), static_cast<int>(len + s));
+    w.put_mul((e & T.lowmask[len]) * T.pow2[s] | (t & T.lowmask[s]), static_cast<int>(len + s));
   }
   if (prev != 63) {
     const uint32_t e = ac->entry[0];
@@ -197,7 +207,13 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
     w.emit_byte(static_cast<uint32_t>(w.bb >> w.n) & 0xFFu);
   }
   const uint32_t pending = static_cast<uint32_t>(w.bb) & ((1u << w.n) - 1u);
-  state->acc = (w.last << 24) | (pending << (24 - w.n));
+  const uint8_t* const start = pDst + pos;
+  uint32_t last = state->acc >> 24;
+  if (w.out - start == 1)
+    last = w.out[-1];
+  else if (w.out - start >= 2)
+    last = (w.out[-1] == 0 && w.out[-2] == 0xFF) ? 0xFFu : w.out[-1];
+  state->acc = (last << 24) | (pending << (24 - w.n));
   state->nbits = w.n;
   *pDstPosition = static_cast<int>(w.out - pDst);
   return vprStatusOk;
