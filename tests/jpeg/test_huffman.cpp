@@ -873,6 +873,45 @@ TEST(HuffmanBlock, FastAndCarefulEncodersAgree) {
   EXPECT_EQ(p, 0);
 }
 
+// The fast encoder reads the state's last data byte back from the output:
+// blocks that write no byte, one byte, or end on a stuffed 0xFF (and on a
+// 0x00 that follows a stuffed 0xFF) must leave the careful path's state.
+TEST(HuffmanBlock, FastEncoderLastByteCases) {
+  vprtest::Rng rng(77);
+  EncTables tabs = enc_tables(kDcLuma, kAcLuma);
+  int none = 0, one = 0, stuffed_last = 0, zero_after_ff = 0;
+  for (int trial = 0; trial < 20000; ++trial) {
+    int16_t blk[64] = {};
+    blk[0] = static_cast<int16_t>(rng.uniform(-3, 3));
+    const int nnz = static_cast<int>(rng.uniform(0, 3));
+    for (int i = 0; i < nnz; ++i)
+      blk[rng.uniform(1, 63)] = static_cast<int16_t>(rng.coin() ? rng.uniform(1, 1023) : -rng.uniform(1, 1023));
+    EncState a{}, b{};
+    a.nbits = b.nbits = static_cast<int>(rng.uniform(0, 7));
+    const uint32_t top = static_cast<uint32_t>(rng.coin(0.3) ? 0xFF : rng.uniform(0, 255)) << 24;
+    const uint32_t pend = a.nbits ? (static_cast<uint32_t>(rng.uniform(0, 127)) << (24 - a.nbits)) & 0xFFFFFF : 0;
+    a.acc = b.acc = top | pend;
+    std::vector<uint8_t> oa(700, 0xFF), ob(700, 0xFF);
+    int pa = 5, pb = 5;
+    const int16_t dc0 = static_cast<int16_t>(rng.uniform(-3, 3));
+    int16_t dcb = dc0;
+    ASSERT_EQ(vj::sse::encode_block_8x8(blk, oa.data(), 700, &pa, dc0, el(tabs.dc), el(tabs.ac), &a), vprStatusOk);
+    ASSERT_EQ(vj::ref::encode_block_8x8(blk, ob.data(), 700, &pb, &dcb, el(tabs.dc), el(tabs.ac), &b), vprStatusOk);
+    ASSERT_EQ(pa, pb);
+    ASSERT_TRUE(vprtest::same_array(oa.data(), ob.data(), oa.size()));
+    ASSERT_EQ(std::memcmp(&a, &b, sizeof a), 0) << trial;
+    const int written = pb - 5;
+    none += written == 0;
+    one += written == 1;
+    stuffed_last += written >= 2 && ob[pb - 2] == 0xFF && ob[pb - 1] == 0x00;
+    zero_after_ff += written >= 3 && ob[pb - 1] == 0x00 && ob[pb - 2] == 0x00 && ob[pb - 3] == 0xFF;
+  }
+  EXPECT_GT(none, 0);
+  EXPECT_GT(one, 0);
+  EXPECT_GT(stuffed_last, 0);
+  EXPECT_GT(zero_after_ff, 0);
+}
+
 TEST(HuffmanBlock, FastAndCarefulDecodersAgreeOnAnyBytes) {
   vprtest::Rng rng(31);
   Coder c;
