@@ -215,7 +215,7 @@ class Decoder {
 
   // Colour images are decoded one MCU row at a time: every block's inverse
   // DCT writes 8-bit samples into Y, Cb and Cr planes that span the MCU row,
-  // and one colour conversion per MCU row turns them into RGB image rows.
+  // and the colour conversion turns stretches of them into RGB image rows.
   // Greyscale blocks are written straight into the image.
   std::string decode_scan(Image& out) {
     const int mcu_w = 8 * h_, mcu_h = 8 * v_;
@@ -243,6 +243,8 @@ class Decoder {
     if (ncomp_ == 3) planes_.resize(static_cast<size_t>(y_step) * mcu_h + 2 * static_cast<size_t>(c_step) * 8);
     uint8_t* const plane[3] = {planes_.data(), planes_.data() + y_step * mcu_h, planes_.data() + y_step * mcu_h + c_step * 8};
 
+    // MCUs colour-converted together: about 256 pixels wide.
+    const int stretch = 256 / mcu_w;
     const int len = static_cast<int>(std::min<size_t>(n_, 0x7FFFFFFF));
     Block plan[6];
     int nplan = 0;
@@ -289,9 +291,13 @@ class Decoder {
           const VprStatus st = inverse_dct(b.coef, b.samples + mx * b.advance, b.step, b.q);
           if (st != vprStatusOk) return status_text("inverse DCT", st);
         }
+        // Colour-convert a stretch of MCUs while their samples are still in
+        // the first-level cache.
+        if ((mx + 1) % stretch == 0 || mx + 1 == mcus_x) {
+          const int mx0 = mx + 1 == mcus_x ? mx / stretch * stretch : mx + 1 - stretch;
+          if (std::string e = put_colour_mcus(plane, y_step, c_step, out, y0, mx0, mx + 1); !e.empty()) return e;
+        }
       }
-      if (ncomp_ == 3)
-        if (std::string e = put_colour_rows(plane, y_step, c_step, out, y0); !e.empty()) return e;
     }
     return {};
   }
@@ -310,28 +316,30 @@ class Decoder {
     return {};
   }
 
-  // Colour conversion of the MCU row at image row y0 into RGB.  The
-  // converters replicate chroma over pixel pairs (4:2:2) or 2x2 blocks
-  // (4:2:0) and so want even sizes there; an odd width, or an odd number of
-  // rows left in a 4:2:0 image, is converted at the padded size into
-  // `rows_` and cropped.
-  std::string put_colour_rows(uint8_t* const plane[3], int y_step, int c_step, Image& out, int y0) {
-    const int mcu_h = 8 * v_;
+  // Colour conversion of MCUs [mx0, mx1) of the MCU row at image row y0
+  // into RGB image rows.  The converters replicate chroma over pixel pairs
+  // (4:2:2) or 2x2 blocks (4:2:0) and so want even sizes there; an odd
+  // width at the right edge, or an odd number of rows left at the bottom of
+  // a 4:2:0 image, is converted at the padded size into `rows_` and cropped.
+  std::string put_colour_mcus(uint8_t* const plane[3], int y_step, int c_step, Image& out, int y0, int mx0, int mx1) {
+    const int mcu_w = 8 * h_, mcu_h = 8 * v_;
+    const int x0 = mx0 * mcu_w, w = std::min(mx1 * mcu_w, width_) - x0;
     const int rows = std::min(mcu_h, height_ - y0);
-    const Vpr8u* const src[3] = {plane[0], plane[1], plane[2]};
+    const Vpr8u* const src[3] = {plane[0] + x0, plane[1] + mx0 * 8, plane[2] + mx0 * 8};
     const int stride = width_ * 3;
-    uint8_t* dst = out.pixels.data() + static_cast<size_t>(y0) * stride;
-    const bool direct = (h_ == 1 || width_ % 2 == 0) && (v_ == 1 || rows % 2 == 0);
+    uint8_t* dst = out.pixels.data() + static_cast<size_t>(y0) * stride + 3 * static_cast<size_t>(x0);
+    const bool direct = (h_ == 1 || w % 2 == 0) && (v_ == 1 || rows % 2 == 0);
     if (direct) {
-      const VprStatus st = to_rgb(src, y_step, c_step, dst, stride, VprRoiSize{width_, rows});
+      const VprStatus st = to_rgb(src, y_step, c_step, dst, stride, VprRoiSize{w, rows});
       return st == vprStatusOk ? std::string() : status_text("colour conversion", st);
     }
-    rows_.resize(static_cast<size_t>(y_step) * 3 * mcu_h);
-    const VprStatus st = to_rgb(src, y_step, c_step, rows_.data(), y_step * 3, VprRoiSize{y_step, mcu_h});
+    const int padded_w = (mx1 - mx0) * mcu_w;
+    rows_.resize(static_cast<size_t>(padded_w) * 3 * mcu_h);
+    const VprStatus st = to_rgb(src, y_step, c_step, rows_.data(), padded_w * 3, VprRoiSize{padded_w, mcu_h});
     if (st != vprStatusOk) return status_text("colour conversion", st);
     for (int r = 0; r < rows; ++r)
-      std::memcpy(dst + static_cast<size_t>(r) * stride, rows_.data() + static_cast<size_t>(r) * y_step * 3,
-                  static_cast<size_t>(stride));
+      std::memcpy(dst + static_cast<size_t>(r) * stride, rows_.data() + static_cast<size_t>(r) * padded_w * 3,
+                  3 * static_cast<size_t>(w));
     return {};
   }
 
