@@ -13,19 +13,32 @@ using namespace vpr::simd;
 
 namespace {
 
-inline __m128i adds(__m128i a, __m128i b) { return _mm_adds_epi16(a, b); }
-inline __m128i subs(__m128i a, __m128i b) { return _mm_subs_epi16(a, b); }
-inline __m128i mulhi(__m128i a, __m128i c) { return _mm_mulhi_epi16(a, c); }
-inline __m128i load_tab(const int16_t* t) { return _mm_load_si128(reinterpret_cast<const __m128i*>(t)); }
+[[gnu::always_inline]] inline __m128i adds(__m128i a, __m128i b) { return _mm_adds_epi16(a, b); }
+[[gnu::always_inline]] inline __m128i subs(__m128i a, __m128i b) { return _mm_subs_epi16(a, b); }
+[[gnu::always_inline]] inline __m128i mulhi(__m128i a, __m128i c) { return _mm_mulhi_epi16(a, c); }
+[[gnu::always_inline]] inline __m128i load_tab(const int16_t* t) { return _mm_load_si128(reinterpret_cast<const __m128i*>(t)); }
 
 // Row tables by row, as address constants (no pointer loads in the kernels).
 constexpr const int16_t* kTabI[8] = {tab_i_04, tab_i_17, tab_i_26, tab_i_35, tab_i_04, tab_i_35, tab_i_26, tab_i_17};
 constexpr const int16_t* kTabF[8] = {tab_f_04, tab_f_17, tab_f_26, tab_f_35, tab_f_04, tab_f_35, tab_f_26, tab_f_17};
 
+// The table address for one row, hidden from the optimiser: rows sharing a
+// table would otherwise share its loads, and the compiler keeps such values
+// in registers it does not have (copies on the stack); memory operands of
+// pmaddwd are free.
+[[gnu::always_inline]] inline const int16_t* row_table(const int16_t* t) {
+  asm("" : "+r"(t));
+  return t;
+}
+
 // ------------------------------------------------------------ inverse
 
-// Row pass of one row: (x0..x7) -> 8 values, 16-bit saturated.
-inline __m128i idct_row(__m128i x, const int16_t* t, int32_t rnd) {
+// Row pass of one row: (x0..x7) -> 8 values, 16-bit saturated, with the
+// rounder vector rnd.  kMixed leaves the upper half reversed (lanes y0 y1 y2
+// y3 y7 y6 y5 y4): the column pass works lane by lane, so the order can be
+// put right once at the very end, on bytes.
+template <bool kMixed>
+[[gnu::always_inline]] inline __m128i idct_row_v(__m128i x, const int16_t* t, __m128i rnd) {
   const __m128i xe = _mm_shuffle_epi8(x, _mm_setr_epi8(0, 1, 4, 5, 0, 1, 4, 5, 8, 9, 12, 13, 8, 9, 12, 13));
   const __m128i xo = _mm_shuffle_epi8(x, _mm_setr_epi8(2, 3, 6, 7, 2, 3, 6, 7, 10, 11, 14, 15, 10, 11, 14, 15));
   // xe = x0 x2 x0 x2 x4 x6 x4 x6, xo = x1 x3 x1 x3 x5 x7 x5 x7
@@ -33,15 +46,20 @@ inline __m128i idct_row(__m128i x, const int16_t* t, int32_t rnd) {
                             _mm_shuffle_epi32(_mm_madd_epi16(xe, load_tab(t + 8)), 0x4E));
   const __m128i o = _mm_add_epi32(_mm_madd_epi16(xo, load_tab(t + 16)),
                                   _mm_shuffle_epi32(_mm_madd_epi16(xo, load_tab(t + 24)), 0x4E));
-  e = _mm_add_epi32(e, _mm_set1_epi32(rnd));
-  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(e, o), 11);                           // y0 y1 y2 y3
-  const __m128i hi = _mm_shuffle_epi32(_mm_srai_epi32(_mm_sub_epi32(e, o), 11), 0x1B);  // y4 y5 y6 y7
+  e = _mm_add_epi32(e, rnd);
+  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(e, o), 11);  // y0 y1 y2 y3
+  __m128i hi = _mm_srai_epi32(_mm_sub_epi32(e, o), 11);        // y7 y6 y5 y4
+  if constexpr (!kMixed) hi = _mm_shuffle_epi32(hi, 0x1B);
   return _mm_packs_epi32(lo, hi);
+}
+
+[[gnu::always_inline]] inline __m128i idct_row(__m128i x, const int16_t* t, int32_t rnd) {
+  return idct_row_v<false>(x, t, _mm_set1_epi32(rnd));
 }
 
 // Row pass of a row whose coefficients 4..7 are zero: the pair sums of
 // (x0,x2) and (x1,x3) alone, against the matching halves of the table.
-inline __m128i idct_row_half(__m128i x, const int16_t* t, int32_t rnd) {
+[[gnu::always_inline]] inline __m128i idct_row_half(__m128i x, const int16_t* t, int32_t rnd) {
   const __m128i xe = _mm_shuffle_epi32(_mm_shufflelo_epi16(x, 0x88), 0x00);  // (x0 x2) x4
   const __m128i xo = _mm_shuffle_epi32(_mm_shufflelo_epi16(x, 0xDD), 0x00);  // (x1 x3) x4
   const __m128i te = _mm_unpacklo_epi64(load8(t), load8(t + 8));
@@ -56,7 +74,7 @@ inline __m128i idct_row_half(__m128i x, const int16_t* t, int32_t rnd) {
 // Column pass over the eight row registers, in place, >> 6 included.
 // kUpperZero: rows 4..7 are known to be zero (their terms vanish exactly).
 template <bool kUpperZero>
-inline void idct_cols(__m128i* x) {
+[[gnu::always_inline]] inline void idct_cols(__m128i* x) {
   const __m128i tg1 = _mm_set1_epi16(tg_1_16), tg2 = _mm_set1_epi16(tg_2_16);
   const __m128i tg3 = _mm_set1_epi16(tg_3_16), c4 = _mm_set1_epi16(cos_4_16);
   __m128i u17, v17, u35, v35, u26, v26, u04, v04;
@@ -97,57 +115,56 @@ inline void idct_cols(__m128i* x) {
 }
 
 // Rounder of row r >= 1: 0 when the row is all zero (the row is skipped).
-inline int32_t row_rounder(__m128i x, int r) { return _mm_testz_si128(x, x) ? 0 : round_i[r]; }
+[[gnu::always_inline]] inline int32_t row_rounder(__m128i x, int r) { return _mm_testz_si128(x, x) ? 0 : round_i[r]; }
 
 // Row pass of row r >= 1 with the rounder of a skipped all-zero row dropped.
 // An all-zero row gives rnd >> 11 in every lane, which is 0 for the rounders
 // of rows 3..7 (all below 2048): only rows 1 and 2 need the test, done here
 // without a branch.
-template <int r>
-inline __m128i idct_row_skip(__m128i x) {
-  const int16_t* t = kTabI[r];
-  if constexpr (round_i[r] < 2048) return idct_row(x, t, round_i[r]);
-  __m128i o = _mm_or_si128(x, _mm_shuffle_epi32(x, 0x4E));
-  o = _mm_or_si128(o, _mm_shuffle_epi32(o, 0xB1));  // every dword: OR of the row
-  const __m128i zero_row = _mm_cmpeq_epi32(o, _mm_setzero_si128());
-  const __m128i rnd = _mm_andnot_si128(zero_row, _mm_set1_epi32(round_i[r]));
-  const __m128i xe = _mm_shuffle_epi8(x, _mm_setr_epi8(0, 1, 4, 5, 0, 1, 4, 5, 8, 9, 12, 13, 8, 9, 12, 13));
-  const __m128i xo = _mm_shuffle_epi8(x, _mm_setr_epi8(2, 3, 6, 7, 2, 3, 6, 7, 10, 11, 14, 15, 10, 11, 14, 15));
-  __m128i e = _mm_add_epi32(_mm_madd_epi16(xe, load_tab(t)),
-                            _mm_shuffle_epi32(_mm_madd_epi16(xe, load_tab(t + 8)), 0x4E));
-  const __m128i od = _mm_add_epi32(_mm_madd_epi16(xo, load_tab(t + 16)),
-                                   _mm_shuffle_epi32(_mm_madd_epi16(xo, load_tab(t + 24)), 0x4E));
-  e = _mm_add_epi32(e, rnd);
-  const __m128i lo = _mm_srai_epi32(_mm_add_epi32(e, od), 11);
-  const __m128i hi = _mm_shuffle_epi32(_mm_srai_epi32(_mm_sub_epi32(e, od), 11), 0x1B);
-  return _mm_packs_epi32(lo, hi);
+template <int r, bool kMixed>
+[[gnu::always_inline]] inline __m128i idct_row_skip(__m128i x) {
+  const int16_t* t = row_table(kTabI[r]);
+  if constexpr (round_i[r] < 2048) {
+    return idct_row_v<kMixed>(x, t, _mm_set1_epi32(round_i[r]));
+  } else {
+    __m128i o = _mm_or_si128(x, _mm_shuffle_epi32(x, 0x4E));
+    o = _mm_or_si128(o, _mm_shuffle_epi32(o, 0xB1));  // every dword: OR of the row
+    const __m128i zero_row = _mm_cmpeq_epi32(o, _mm_setzero_si128());
+    return idct_row_v<kMixed>(x, t, _mm_andnot_si128(zero_row, _mm_set1_epi32(round_i[r])));
+  }
 }
 
-// Full inverse of eight coefficient rows (already dequantised) into x[0..7].
-inline void idct_8x8(__m128i* x) {
-  x[0] = idct_row(x[0], kTabI[0], round_i[0]);
-  x[1] = idct_row_skip<1>(x[1]);
-  x[2] = idct_row_skip<2>(x[2]);
-  x[3] = idct_row_skip<3>(x[3]);
-  x[4] = idct_row_skip<4>(x[4]);
-  x[5] = idct_row_skip<5>(x[5]);
-  x[6] = idct_row_skip<6>(x[6]);
-  x[7] = idct_row_skip<7>(x[7]);
+// Full inverse of eight coefficient rows (already dequantised) into x[0..7]
+// (kMixed: lanes in the order y0 y1 y2 y3 y7 y6 y5 y4).
+template <bool kMixed>
+[[gnu::always_inline]] inline void idct_8x8(__m128i* x) {
+  x[0] = idct_row_v<kMixed>(x[0], row_table(kTabI[0]), _mm_set1_epi32(round_i[0]));
+  x[1] = idct_row_skip<1, kMixed>(x[1]);
+  x[2] = idct_row_skip<2, kMixed>(x[2]);
+  x[3] = idct_row_skip<3, kMixed>(x[3]);
+  x[4] = idct_row_skip<4, kMixed>(x[4]);
+  x[5] = idct_row_skip<5, kMixed>(x[5]);
+  x[6] = idct_row_skip<6, kMixed>(x[6]);
+  x[7] = idct_row_skip<7, kMixed>(x[7]);
   idct_cols<false>(x);
 }
 
 // Dequantise (16-bit products) and run the full inverse into x[0..7].
-inline void dequant_idct(const int16_t* src, const uint16_t* inv, __m128i* x) {
+template <bool kMixed>
+[[gnu::always_inline]] inline void dequant_idct(const int16_t* src, const uint16_t* inv, __m128i* x) {
   for (int r = 0; r < 8; ++r) x[r] = _mm_mullo_epi16(load16(src + 8 * r), load16(inv + 8 * r));
-  idct_8x8(x);
+  idct_8x8<kMixed>(x);
 }
 
 // clamp(v + 128, 0, 255) as clamp(v, -128, 127) + 128: packsswb, then the
 // sign bit flipped.
-inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
+// kMixed: the rows are in the lane order of idct_row_v<true>.
+template <bool kMixed = false>
+[[gnu::always_inline]] inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
   const __m128i k80 = _mm_set1_epi8(static_cast<char>(0x80));
   for (int r = 0; r < 8; r += 2) {
-    const __m128i p = _mm_xor_si128(_mm_packs_epi16(x[r], x[r + 1]), k80);
+    __m128i p = _mm_xor_si128(_mm_packs_epi16(x[r], x[r + 1]), k80);
+    if constexpr (kMixed) p = _mm_shuffle_epi8(p, _mm_setr_epi8(0, 1, 2, 3, 7, 6, 5, 4, 8, 9, 10, 11, 15, 14, 13, 12));
     store8(dst + r * dst_step, p);
     store8(dst + (r + 1) * dst_step, _mm_unpackhi_epi64(p, p));
   }
@@ -157,7 +174,7 @@ inline void store_ls_rows(const __m128i* x, uint8_t* dst, int dst_step) {
 
 // Column pass over the eight row registers, which already hold the inputs
 // shifted left by 3.
-inline void fdct_cols(__m128i* x) {
+[[gnu::always_inline]] inline void fdct_cols(__m128i* x) {
   const __m128i tg1 = _mm_set1_epi16(tg_1_16), tg2 = _mm_set1_epi16(tg_2_16);
   const __m128i tg3 = _mm_set1_epi16(tg_3_16), oc4 = _mm_set1_epi16(ocos_4_16);
   const __m128i corr = _mm_set1_epi16(one_corr);
@@ -183,7 +200,7 @@ inline void fdct_cols(__m128i* x) {
 }
 
 // Row pass of one row with table t.
-inline __m128i fdct_row(__m128i x, const int16_t* t) {
+[[gnu::always_inline]] inline __m128i fdct_row(__m128i x, const int16_t* t) {
   const __m128i rev = _mm_shuffle_epi8(x, _mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1));
   const __m128i s = adds(x, rev), d = subs(x, rev);
   const __m128i p = _mm_unpacklo_epi32(s, d);  // s0 s1 d0 d1 s2 s3 d2 d3
@@ -196,7 +213,7 @@ inline __m128i fdct_row(__m128i x, const int16_t* t) {
 
 // sign(c) * min((|c| * r + 16384) >> 15, 32767), in 16-bit lanes: with
 // |c| * r = hi * 65536 + lo, the rounded quotient is 2 * hi + ((lo >> 14) + 1) >> 1.
-inline __m128i quant_round(__m128i c, __m128i r) {
+[[gnu::always_inline]] inline __m128i quant_round(__m128i c, __m128i r) {
   const __m128i a = _mm_abs_epi16(c);
   const __m128i lo = _mm_mullo_epi16(a, r), hi = _mm_mulhi_epu16(a, r);
   const __m128i frac = _mm_srli_epi16(_mm_add_epi16(_mm_srli_epi16(lo, 14), _mm_set1_epi16(1)), 1);
@@ -208,37 +225,43 @@ inline __m128i quant_round(__m128i c, __m128i r) {
 // exactly and never exceeds 32767.  |-32768| stays 0x8000 (-32768 as a signed
 // factor), so the product comes out negated for that lane alone; the second
 // psignw, by that negative |c|, turns it back.
-inline __m128i quant_round_short(__m128i c, __m128i r) {
+// kNoMin: c is known not to be -32768 (8-bit samples: |c| stays below 2048),
+// the fix is not needed.
+template <bool kNoMin = false>
+[[gnu::always_inline]] inline __m128i quant_round_short(__m128i c, __m128i r) {
   const __m128i a = _mm_abs_epi16(c);
-  return _mm_sign_epi16(_mm_sign_epi16(_mm_mulhrs_epi16(a, r), c), a);
+  const __m128i q = _mm_sign_epi16(_mm_mulhrs_epi16(a, r), c);
+  if constexpr (kNoMin) return q;
+  return _mm_sign_epi16(q, a);
 }
 
 // True when every reciprocal of the table is at most 32767 (every table built
 // from quantisers 2..255, or with zero entries).
-inline bool short_reciprocals(const uint16_t* fwd) {
+[[gnu::always_inline]] inline bool short_reciprocals(const uint16_t* fwd) {
   __m128i o = _mm_or_si128(load16(fwd), load16(fwd + 8));
   for (int r = 16; r < 64; r += 8) o = _mm_or_si128(o, load16(fwd + r));
   return (_mm_movemask_epi8(o) & 0xAAAA) == 0;
 }
 
 // Row pass of the eight rows, quantisation and store.
-inline void fdct_rows_quant_store(const __m128i* x, int16_t* dst, const uint16_t* fwd) {
+template <bool kNoMin = false>
+[[gnu::always_inline]] inline void fdct_rows_quant_store(const __m128i* x, int16_t* dst, const uint16_t* fwd) {
   if (short_reciprocals(fwd)) {
     for (int r = 0; r < 8; ++r)
-      store16(dst + 8 * r, quant_round_short(fdct_row(x[r], kTabF[r]), load16(fwd + 8 * r)));
+      store16(dst + 8 * r, quant_round_short<kNoMin>(fdct_row(x[r], row_table(kTabF[r])), load16(fwd + 8 * r)));
   } else {
-    for (int r = 0; r < 8; ++r) store16(dst + 8 * r, quant_round(fdct_row(x[r], kTabF[r]), load16(fwd + 8 * r)));
+    for (int r = 0; r < 8; ++r) store16(dst + 8 * r, quant_round(fdct_row(x[r], row_table(kTabF[r])), load16(fwd + 8 * r)));
   }
 }
 
 // Eight rows of 16-bit samples, shifted left by 3.
-inline void load_shifted(const int16_t* src, __m128i* x) {
+[[gnu::always_inline]] inline void load_shifted(const int16_t* src, __m128i* x) {
   for (int r = 0; r < 8; ++r) x[r] = _mm_slli_epi16(load16(src + 8 * r), 3);
 }
 
 // ------------------------------------------------------------ float helpers
 
-inline __m128 splat(__m128 v, int i) {
+[[gnu::always_inline]] inline __m128 splat(__m128 v, int i) {
   switch (i) {
     case 0: return _mm_shuffle_ps(v, v, 0x00);
     case 1: return _mm_shuffle_ps(v, v, 0x55);
@@ -246,14 +269,14 @@ inline __m128 splat(__m128 v, int i) {
     default: return _mm_shuffle_ps(v, v, 0xFF);
   }
 }
-inline __m128 loadf(const float* p) { return _mm_loadu_ps(p); }
-inline __m128i clamp_round(__m128 v, float lo, float hi) {
+[[gnu::always_inline]] inline __m128 loadf(const float* p) { return _mm_loadu_ps(p); }
+[[gnu::always_inline]] inline __m128i clamp_round(__m128 v, float lo, float hi) {
   return _mm_cvtps_epi32(_mm_min_ps(_mm_max_ps(v, _mm_set1_ps(lo)), _mm_set1_ps(hi)));
 }
 
 // 8x8 transpose of a block held as a[r] (columns 0..3) and b[r] (columns
 // 4..7) into c[r] / d[r] likewise.
-inline void transpose8(const __m128* a, const __m128* b, __m128* c, __m128* d) {
+[[gnu::always_inline]] inline void transpose8(const __m128* a, const __m128* b, __m128* c, __m128* d) {
   __m128 t[4][4];
   const __m128* src[4] = {a, a + 4, b, b + 4};  // quadrants (rows 0-3 | 4-7) x (cols 0-3 | 4-7)
   for (int q = 0; q < 4; ++q) {
@@ -273,12 +296,12 @@ inline void transpose8(const __m128* a, const __m128* b, __m128* c, __m128* d) {
   }
 }
 
-inline __m128 mulc(float k, __m128 v) { return _mm_mul_ps(_mm_set1_ps(k), v); }
-inline __m128 add(__m128 a, __m128 b) { return _mm_add_ps(a, b); }
-inline __m128 sub(__m128 a, __m128 b) { return _mm_sub_ps(a, b); }
+[[gnu::always_inline]] inline __m128 mulc(float k, __m128 v) { return _mm_mul_ps(_mm_set1_ps(k), v); }
+[[gnu::always_inline]] inline __m128 add(__m128 a, __m128 b) { return _mm_add_ps(a, b); }
+[[gnu::always_inline]] inline __m128 sub(__m128 a, __m128 b) { return _mm_sub_ps(a, b); }
 
 // The 8-point transforms of dct.cpp across eight registers, same order of operations.
-inline void fdct8_ps(__m128* x) {
+[[gnu::always_inline]] inline void fdct8_ps(__m128* x) {
   const __m128 s0 = add(x[0], x[7]), s1 = add(x[1], x[6]), s2 = add(x[2], x[5]), s3 = add(x[3], x[4]);
   const __m128 d0 = sub(x[0], x[7]), d1 = sub(x[1], x[6]), d2 = sub(x[2], x[5]), d3 = sub(x[3], x[4]);
   const __m128 e0 = add(s0, s3), e1 = add(s1, s2), e2 = sub(s0, s3), e3 = sub(s1, s2);
@@ -292,7 +315,7 @@ inline void fdct8_ps(__m128* x) {
   x[7] = sub(add(sub(mulc(kC7, d0), mulc(kC5, d1)), mulc(kC3, d2)), mulc(kC1, d3));
 }
 
-inline void idct8_ps(__m128* X) {
+[[gnu::always_inline]] inline void idct8_ps(__m128* X) {
   const __m128 p0 = add(X[0], mulc(kC4, X[4])), p1 = sub(X[0], mulc(kC4, X[4]));
   const __m128 q0 = add(mulc(kC2, X[2]), mulc(kC6, X[6])), q1 = sub(mulc(kC6, X[2]), mulc(kC2, X[6]));
   const __m128 E0 = add(p0, q0), E3 = sub(p0, q0), E1 = add(p1, q1), E2 = sub(p1, q1);
@@ -318,7 +341,7 @@ void dct_8x8_fwd_16s(const int16_t* src, int16_t* dst) {
   __m128i x[8];
   load_shifted(src, x);
   fdct_cols(x);
-  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, fdct_row(x[r], kTabF[r]));
+  for (int r = 0; r < 8; ++r) store16(dst + 8 * r, fdct_row(x[r], row_table(kTabF[r])));
 }
 
 void quant_coefs_8x8(const int16_t* coef, int16_t* dst, const uint16_t* fwd) {
@@ -332,7 +355,7 @@ void quant_coefs_8x8(const int16_t* coef, int16_t* dst, const uint16_t* fwd) {
 void dct_8x8_inv_16s(const int16_t* src, int16_t* dst) {
   __m128i x[8];
   for (int r = 0; r < 8; ++r) x[r] = load16(src + 8 * r);
-  idct_8x8(x);
+  idct_8x8<false>(x);
   for (int r = 0; r < 8; ++r) store16(dst + 8 * r, x[r]);
 }
 
@@ -349,7 +372,7 @@ void dct_quant_fwd_8x8_ls_8u16s(const uint8_t* src, int src_step, int16_t* dst, 
   __m128i x[8];
   for (int r = 0; r < 8; ++r) x[r] = _mm_maddubs_epi16(_mm_unpacklo_epi8(load8(src + r * src_step), k128), k8);
   fdct_cols(x);
-  fdct_rows_quant_store(x, dst, fwd);
+  fdct_rows_quant_store<true>(x, dst, fwd);
 }
 
 void dct_quant_fwd_8x8_ls_16u16s(const uint16_t* src, int src_step, int16_t* dst, const float* fwd) {
@@ -376,14 +399,14 @@ void dct_quant_fwd_8x8_ls_16u16s(const uint16_t* src, int src_step, int16_t* dst
 
 void dct_quant_inv_8x8_16s(const int16_t* src, int16_t* dst, const uint16_t* inv) {
   __m128i x[8];
-  dequant_idct(src, inv, x);
+  dequant_idct<false>(src, inv, x);
   for (int r = 0; r < 8; ++r) store16(dst + 8 * r, x[r]);
 }
 
 void dct_quant_inv_8x8_ls_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
   __m128i x[8];
-  dequant_idct(src, inv, x);
-  store_ls_rows(x, dst, dst_step);
+  dequant_idct<true>(src, inv, x);
+  store_ls_rows<true>(x, dst, dst_step);
 }
 
 void dct_quant_inv_8x8_ls_16s16u(const int16_t* src, uint16_t* dst, int dst_step, const uint16_t* inv) {
