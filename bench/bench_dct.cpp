@@ -170,6 +170,20 @@ VPR_BENCH_INV(DCTQuantInv8x8_16s_C1_scalar, jp::ref::dct_quant_inv_8x8_16s(&coef
 VPR_BENCH_INV(DCTQuantInv8x8_16s_C1I, std::memcpy(&out16[b * 64], &coef[b * 64], 128);
               vpriDCTQuantInv8x8_JPEG_16s_C1I(&out16[b * 64], d.inv))
 VPR_BENCH_INV(DCTQuantInv8x8LS_16s8u, vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(&coef[b * 64], px(b), kW, d.inv))
+// The same blocks, half of them (at random, so the branch on rows 4..7 being
+// zero cannot be predicted) with a non-zero coefficient in row 5.
+VPR_BENCH_INV(DCTQuantInv8x8LS_16s8u_randomUpperRows,
+              (void)0;
+              static const std::vector<int16_t> mixed = [&] {
+                std::vector<int16_t> m = d.coef;
+                uint32_t h = 12345;
+                for (int k = 0; k < kBlocks; ++k) {
+                  h = h * 1103515245u + 12345u;
+                  if ((h >> 16) & 1) m[k * 64 + 42] = static_cast<int16_t>(1 + (h >> 20) % 3);
+                }
+                return m;
+              }();
+              vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(&mixed[b * 64], px(b), kW, d.inv))
 VPR_BENCH_INV(DCTQuantInv8x8LS_16s8u_scalar, jp::ref::dct_quant_inv_8x8_ls_16s8u(&coef[b * 64], px(b), kW, d.inv))
 VPR_BENCH_INV(DCTQuantInv8x8LS_16s16u,
               vpriDCTQuantInv8x8LS_JPEG_16s16u_C1R(&coef[b * 64], px16(b), kW * 2, d.inv))

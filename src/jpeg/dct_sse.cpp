@@ -136,9 +136,27 @@ template <int r, bool kMixed>
 
 // Full inverse of eight coefficient rows (already dequantised) into x[0..7]
 // (kMixed: lanes in the order y0 y1 y2 y3 y7 y6 y5 y4).
+// Rows 4..7 all zero (common in coded images) give zero rows: their rounders
+// are below 2048, so the row pass and their column terms are skipped.
+// Rows 1..7 all zero as well: the column pass hands row 0 on to every row,
+// shifted right by 6.
 template <bool kMixed>
 [[gnu::always_inline]] inline void idct_8x8(__m128i* x) {
   x[0] = idct_row_v<kMixed>(x[0], row_table(kTabI[0]), _mm_set1_epi32(round_i[0]));
+  const __m128i upper = _mm_or_si128(_mm_or_si128(x[4], x[5]), _mm_or_si128(x[6], x[7]));
+  if (_mm_testz_si128(upper, upper)) {
+    const __m128i mid = _mm_or_si128(_mm_or_si128(x[1], x[2]), x[3]);
+    if (_mm_testz_si128(mid, mid)) {
+      const __m128i y = _mm_srai_epi16(x[0], 6);
+      for (int r = 0; r < 8; ++r) x[r] = y;
+      return;
+    }
+    x[1] = idct_row_skip<1, kMixed>(x[1]);
+    x[2] = idct_row_skip<2, kMixed>(x[2]);
+    x[3] = idct_row_skip<3, kMixed>(x[3]);
+    idct_cols<true>(x);
+    return;
+  }
   x[1] = idct_row_skip<1, kMixed>(x[1]);
   x[2] = idct_row_skip<2, kMixed>(x[2]);
   x[3] = idct_row_skip<3, kMixed>(x[3]);

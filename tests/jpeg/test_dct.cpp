@@ -197,6 +197,43 @@ TEST(DctKernels, InverseSseMatchesScalar) {
   }
 }
 
+// Blocks whose rows from some row on are zero (DC only, rows 4..7 zero, ...)
+// take shorter paths in the SSE inverse; a coefficient whose 16-bit product
+// with its quantiser wraps to zero counts as zero.
+TEST(DctKernels, InverseSseMatchesScalarOnBlocksWithZeroRows) {
+  vprtest::Rng rng(404);
+  for (int it = 0; it < 4000; ++it) {
+    int16_t src[64];
+    random_coeffs(rng, src, it % 3 == 0 ? 0 : 1);
+    const int first_zero = 1 + it % 7;  // rows first_zero..7 are zero
+    for (int i = first_zero * 8; i < 64; ++i) src[i] = 0;
+    if (it % 5 == 0) src[8 * (first_zero + it % (8 - first_zero))] = 0;  // make sure a partly zero row occurs
+    std::vector<uint16_t> q(64);
+    for (auto& v : q) v = static_cast<uint16_t>(rng.uniform(1, it % 2 ? 4 : 255));
+    if (it % 7 == 0) {  // a wrapped-to-zero product in the zero rows
+      const int i = first_zero * 8 + static_cast<int>(rng.uniform(0, 8 * (8 - first_zero) - 1));
+      src[i] = 4096;
+      q[i] = 16;
+    }
+    if (it % 11 == 0) src[0] = 0;  // an all-zero block now and then
+    if (it % 13 == 0)
+      for (int i = 1; i < 8; ++i) src[i] = 0;  // DC alone
+
+    int16_t a[64], b[64];
+    ref::dct_quant_inv_8x8_16s(src, a, q.data());
+    sse::dct_quant_inv_8x8_16s(src, b, q.data());
+    ASSERT_TRUE(vprtest::same_array(a, b, 64)) << it;
+    ref::dct_8x8_inv_16s(src, a);
+    sse::dct_8x8_inv_16s(src, b);
+    ASSERT_TRUE(vprtest::same_array(a, b, 64)) << it;
+    Image<uint8_t> ra(8, 8, 3, it % 16), rb = ra;
+    ref::dct_quant_inv_8x8_ls_16s8u(src, ra.data(), ra.step(), q.data());
+    sse::dct_quant_inv_8x8_ls_16s8u(src, rb.data(), rb.step(), q.data());
+    ASSERT_TRUE(vprtest::same_region(ra, rb)) << it;
+    ASSERT_TRUE(vprtest::guards_ok(rb));
+  }
+}
+
 TEST(DctKernels, ForwardSseMatchesScalar) {
   vprtest::Rng rng(1990);
   for (int it = 0; it < 1500; ++it) {
