@@ -67,6 +67,23 @@ constexpr EncodeTables make_encode_tables() {
 }
 alignas(64) constexpr EncodeTables kEnc = make_encode_tables();
 
+// The decoder's constant tables behind one base register.
+struct DecodeTables {
+  uint32_t lowmask[16];
+  uint32_t lowest[16];  // 1 - 2^t as unsigned
+  uint8_t zz[64];
+};
+constexpr DecodeTables make_decode_tables() {
+  DecodeTables t{};
+  for (int i = 0; i < 16; ++i) {
+    t.lowmask[i] = kLowMask[i];
+    t.lowest[i] = static_cast<uint32_t>(kLowestCoef[i]);
+  }
+  for (int i = 0; i < 64; ++i) t.zz[i] = kZigZag.nat[i];
+  return t;
+}
+alignas(64) constexpr DecodeTables kDec = make_decode_tables();
+
 // Worst case of one block with codes of at most 16 bits: 7 waiting bits,
 // DC 16+16, 63 x (16+16), 3 ZRL, EOB = 2135 bits = 267 bytes, doubled by
 // stuffing, plus the 4-byte store granularity.
@@ -342,33 +359,38 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
     *pPreviousDc = static_cast<int16_t>(static_cast<uint16_t>(*pPreviousDc + v));
     pDst[0] = *pPreviousDc;
   }
-  for (int k = 1; k < 64;) {
-    sym = r.symbol(ac);
-    if (sym < 0) {
-      st = sym;
-      goto fail;
-    }
-    const int run = sym >> 4, t = sym & 15;
-    if (t != 0) {
-      k += run;
-      if (r.n < t) {
-        st = r.need(t);
-        if (st < 0) goto fail;
-      }
-      const uint32_t bits = r.take(t);
-      if (k > 63) {
-        st = vprStatusError;
+  {
+    const DecodeTables& T = kDec;
+    unsigned k = 1;
+    for (;;) {
+      sym = r.symbol(ac);
+      if (sym < 0) {
+        st = sym;
         goto fail;
       }
-      // Sign extension without a branch: add 1 - 2^t when the top bit is 0.
-      const uint32_t low = (bits >> (t - 1)) - 1u;  // all ones when the top bit is 0
-      const int32_t v = static_cast<int32_t>(bits + (low & static_cast<uint32_t>(kLowestCoef[t])));
-      pDst[kZigZag.nat[k]] = static_cast<int16_t>(v);
-      ++k;
-    } else if (run == 15) {
-      k += 16;
-    } else {
-      break;
+      const unsigned run = static_cast<unsigned>(sym) >> 4, t = static_cast<unsigned>(sym) & 15u;
+      if (t != 0) {
+        k += run;
+        if (r.n < static_cast<int>(t)) {
+          st = r.need(static_cast<int>(t));
+          if (st < 0) goto fail;
+        }
+        r.n -= static_cast<int>(t);
+        const uint32_t bits = (r.acc >> r.n) & T.lowmask[t];
+        if (k > 63) {
+          st = vprStatusError;
+          goto fail;
+        }
+        // Sign extension without a branch: add 1 - 2^t when the top bit is 0.
+        const uint32_t low = (bits >> (t - 1)) - 1u;  // all ones when the top bit is 0
+        pDst[T.zz[k]] = static_cast<int16_t>(bits + (low & T.lowest[t]));
+        if (++k > 63) break;
+      } else if (run == 15) {
+        k += 16;
+        if (k > 63) break;
+      } else {
+        break;
+      }
     }
   }
   r.spill();
