@@ -71,6 +71,7 @@ alignas(64) constexpr EncodeTables kEnc = make_encode_tables();
 struct DecodeTables {
   uint32_t lowmask[16];
   uint32_t lowest[16];  // 1 - 2^t as unsigned
+  uint32_t half[16];    // 2^(t-1): t value bits below it stand for a negative value
   uint8_t zz[64];
 };
 constexpr DecodeTables make_decode_tables() {
@@ -78,6 +79,7 @@ constexpr DecodeTables make_decode_tables() {
   for (int i = 0; i < 16; ++i) {
     t.lowmask[i] = kLowMask[i];
     t.lowest[i] = static_cast<uint32_t>(kLowestCoef[i]);
+    t.half[i] = i ? 1u << (i - 1) : 0u;
   }
   for (int i = 0; i < 64; ++i) t.zz[i] = kZigZag.nat[i];
   return t;
@@ -382,7 +384,7 @@ VprStatus decode_block_8x8(const uint8_t* pSrc, int srcLen, int* pSrcPosition, i
           goto fail;
         }
         // Sign extension without a branch: add 1 - 2^t when the top bit is 0.
-        const uint32_t low = (bits >> (t - 1)) - 1u;  // all ones when the top bit is 0
+        const uint32_t low = static_cast<uint32_t>(static_cast<int32_t>(bits - T.half[t]) >> 31);
         pDst[T.zz[k]] = static_cast<int16_t>(bits + (low & T.lowest[t]));
         if (++k > 63) break;
       } else if (run == 15) {
