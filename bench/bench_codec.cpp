@@ -11,6 +11,7 @@
 
 #include "bench_util.h"
 #include "jpeg_codec.h"
+#include "jpeg_internal.h"
 #include "jpeg_tables.h"
 #include "vprjp.h"
 
@@ -101,7 +102,10 @@ void decode_turbo(benchmark::State& state, vprjpeg::Sampling s, int flags) {
 
 // ---- Stages of the same 1920x1080 4:2:0 / 4:4:4 encode and decode, each over
 // the whole image through the library's exported functions, so the time of
-// a codec row splits into colour conversion, DCT and Huffman coding.
+// a codec row splits into colour conversion, DCT and Huffman coding.  The
+// stages call what the example codec calls: MCU colour conversion and the
+// 16-bit forward DCT when encoding; sparse or full inverse DCTs into 8-bit
+// planes and planar colour conversion when decoding.
 struct Stages {
   int y_blocks;                  // per MCU
   int mcus_x, mcus_y;
@@ -181,6 +185,36 @@ int huff_encode(const Stages& s, std::vector<uint8_t>& out, VprEncodeHuffmanStat
   return pos;
 }
 
+// The decoder's inverse transform: every block, dequantised, inverse
+// transformed and level shifted by the smallest inverse its non-zero
+// coefficients allow, into 8-bit Y, Cb and Cr planes of the whole image.
+struct Planes {
+  std::vector<uint8_t> y, cb, cr;
+  int y_step, c_step;
+};
+void inverse_to_planes(const Stages& s, Planes& p) {
+  const int per = s.y_blocks + 2, mw = s.y_blocks == 1 ? 8 : 16, mh = s.y_blocks == 4 ? 16 : 8;
+  const int16_t* b = s.coefs.data();
+  for (int my = 0; my < s.mcus_y; ++my)
+    for (int mx = 0; mx < s.mcus_x; ++mx)
+      for (int k = 0; k < per; ++k, b += 64) {
+        uint8_t* d;
+        int step;
+        if (k < s.y_blocks) {
+          d = p.y.data() + static_cast<size_t>(my * mh + (k >> 1) * 8) * p.y_step + mx * mw + (k & 1) * 8, step = p.y_step;
+        } else {
+          d = (k == s.y_blocks ? p.cb : p.cr).data() + static_cast<size_t>(my * 8) * p.c_step + mx * 8, step = p.c_step;
+        }
+        const Vpr16u* q = s.qi[k < s.y_blocks ? 0 : 1];
+        switch (vprjpeg::detail::coefficient_extent(b)) {
+          case 1: vpriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R(b, d, step, q); break;
+          case 2: vpriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R(b, d, step, q); break;
+          case 4: vpriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R(b, d, step, q); break;
+          default: vpriDCTQuantInv8x8LS_JPEG_16s8u_C1R(b, d, step, q);
+        }
+      }
+}
+
 void stage(benchmark::State& state, int y_blocks, int which) {
   const Stages& s = stages(y_blocks);
   const int per = y_blocks + 2;
@@ -193,6 +227,12 @@ void stage(benchmark::State& state, int y_blocks, int which) {
   vpriDecodeHuffmanStateInitAlloc_JPEG_8u(&ds);
   const int coded = huff_encode(s, bits, es);
   const int mw = y_blocks == 1 ? 8 : 16, mh = y_blocks == 4 ? 16 : 8;
+  Planes planes;
+  planes.y_step = s.mcus_x * mw, planes.c_step = s.mcus_x * 8;
+  planes.y.resize(static_cast<size_t>(planes.y_step) * s.mcus_y * mh);
+  planes.cb.resize(static_cast<size_t>(planes.c_step) * s.mcus_y * 8), planes.cr.resize(planes.cb.size());
+  inverse_to_planes(s, planes);
+  vprbench::use_threads(1);
   for (auto _ : state) {
     switch (which) {
       case 0:  // colour conversion, forward
@@ -222,21 +262,19 @@ void stage(benchmark::State& state, int y_blocks, int which) {
         }
         break;
       }
-      case 4:  // dequantisation and inverse DCT
-        for (size_t i = 0; i < n; i += 64)
-          vpriDCTQuantInv8x8_JPEG_16s_C1(&s.coefs[i], &work[i], s.qi[((i / 64) % per) < static_cast<size_t>(y_blocks) ? 0 : 1]);
+      case 4:  // dequantisation, inverse DCT and level shift
+        inverse_to_planes(s, planes);
         break;
-      default:  // colour conversion, inverse
-        for (int my = 0, i = 0; my < s.mcus_y; ++my)
-          for (int mx = 0; mx < s.mcus_x; ++mx, i += per * 64) {
-            const Vpr16s* src[3] = {&s.shifted[i], &s.shifted[i + 64 * y_blocks], &s.shifted[i + 64 * (y_blocks + 1)]};
-            uint8_t* d = px.data() + (static_cast<size_t>(my) * mh * kW + mx * mw) * 3;
-            if (y_blocks == 1) vpriYCbCr444ToRGBLS_MCU_16s8u_P3C3R(src, d, kW * 3);
-            else vpriYCbCr411ToRGBLS_MCU_16s8u_P3C3R(src, d, kW * 3);
-          }
+      default: {  // colour conversion, inverse (chroma replicated)
+        const Vpr8u* src[3] = {planes.y.data(), planes.cb.data(), planes.cr.data()};
+        int steps[3] = {planes.y_step, planes.c_step, planes.c_step};
+        if (y_blocks == 1) vpriYCbCrToRGB_JPEG_8u_P3C3R(src, planes.y_step, px.data(), kW * 3, {kW, kH});
+        else vpriYCbCr411ToRGB_JPEG_8u_P3C3R(src, steps, px.data(), kW * 3, {kW, kH});
+      }
     }
     benchmark::ClobberMemory();
   }
+  vprbench::use_threads(0);
   vpriEncodeHuffmanStateFree_JPEG_8u(es);
   vpriDecodeHuffmanStateFree_JPEG_8u(ds);
   vprbench::set_mpix(state, double(kW) * kH);
