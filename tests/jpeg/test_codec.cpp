@@ -43,7 +43,6 @@ Image test_image(int w, int h, int channels, uint32_t seed = 7) {
   return img;
 }
 
-int tj_samp(Sampling s) { return s == Sampling::k444 ? TJSAMP_444 : s == Sampling::k422 ? TJSAMP_422 : TJSAMP_420; }
 const char* name(Sampling s) { return s == Sampling::k444 ? "444" : s == Sampling::k422 ? "422" : "420"; }
 
 // libjpeg-turbo decode (TurboJPEG); flags e.g. TJFLAG_FASTUPSAMPLE.
@@ -146,7 +145,9 @@ TEST(CodecInterop, OurFilesDecodeInLibjpegTurbo) {
           ASSERT_EQ(vprjpeg::decode(jpeg, ours), "");
           ASSERT_EQ(theirs.width, img.width);
           ASSERT_EQ(theirs.height, img.height);
-          if (sz.w > 1) EXPECT_GE(vprjpeg::psnr(img, theirs), min_psnr(q, ch, s));
+          if (sz.w > 1) {
+            EXPECT_GE(vprjpeg::psnr(img, theirs), min_psnr(q, ch, s));
+          }
           // Same file, two decoders: with chroma replicated (as ours does)
           // libjpeg-turbo lands within a few levels of our decode.
           Image fast;
@@ -178,7 +179,9 @@ TEST(CodecInterop, OptimisedTablesAndRestartIntervalsChangeNoPixel) {
           o.optimize_huffman = opt, o.restart_interval = ri;
           std::vector<uint8_t> jpeg;
           ASSERT_EQ(vprjpeg::encode(img, o, jpeg), "");
-          if (opt && w > 100) EXPECT_LT(jpeg.size(), base.size() + (ri > 0 ? 2000u : 0u));
+          if (opt && w > 100) {
+            EXPECT_LT(jpeg.size(), base.size() + (ri > 0 ? 2000u : 0u));
+          }
           Image tj, ours;
           ASSERT_TRUE(tj_decode(jpeg, ch, tj));
           ASSERT_EQ(vprjpeg::decode(jpeg, ours), "");
@@ -298,7 +301,9 @@ TEST(CodecErrors, TruncatedFilesGiveAnError) {
       const std::string e = decode_exact(jpeg, n, out);
       // Cut inside the headers or the data: an error.  Only the final
       // bytes (the padding byte and EOI) may go missing unnoticed.
-      if (n < jpeg.size() - 3) EXPECT_NE(e, "") << "cut at " << n << " of " << jpeg.size() << " (data at " << data << ")";
+      if (n < jpeg.size() - 3) {
+        EXPECT_NE(e, "") << "cut at " << n << " of " << jpeg.size() << " (data at " << data << ")";
+      }
     }
   }
 }
