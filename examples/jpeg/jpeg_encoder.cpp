@@ -139,16 +139,16 @@ class Encoder {
     int step = stride;
     if (!inside) {  // replicate the last column and row into a full MCU
       const int bpp = img_.channels;
+      const int w = std::min(L_.mcu_w, img_.width - x0);
+      step = L_.mcu_w * bpp;
       for (int r = 0; r < L_.mcu_h; ++r) {
         const int sy = std::min(y0 + r, img_.height - 1);
-        const uint8_t* row = img_.pixels.data() + static_cast<size_t>(sy) * stride;
-        for (int c = 0; c < L_.mcu_w; ++c) {
-          const int sx = std::min(x0 + c, img_.width - 1);
-          std::memcpy(edge_ + (r * L_.mcu_w + c) * bpp, row + static_cast<size_t>(sx) * bpp, bpp);
-        }
+        const uint8_t* row = img_.pixels.data() + static_cast<size_t>(sy) * stride + static_cast<size_t>(x0) * bpp;
+        uint8_t* out = edge_ + r * step;
+        std::memcpy(out, row, static_cast<size_t>(w) * bpp);
+        for (int i = w * bpp; i < step; ++i) out[i] = out[i - bpp];
       }
       src = edge_;
-      step = L_.mcu_w * bpp;
     }
     VprStatus st;
     if (L_.ncomp == 1) {
