@@ -127,7 +127,7 @@ struct Writer {
   }
   // The same with the accumulator shift done by a multiply (the variable
   // shifts and the branches compete for the same two ports).
-  inline void put_mul(uint32_t bits, int len) { put_shifted(bb * kEnc.pow2[len] | bits, len); }
+  inline void put_mul(uint32_t bits, unsigned len) { put_shifted(bb * kEnc.pow2[len] | bits, static_cast<int>(len)); }
   inline void put(uint32_t bits, int len) { put_shifted((bb << len) | bits, len); }
   inline void put_shifted(uint64_t shifted, int len) {  // len <= 32
     bb = shifted;
@@ -189,12 +189,12 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
   const uint32_t zrl = ac->entry[0xF0];
   const uint32_t* const acTab = ac->entry;
   const EncodeTables& T = kEnc;
-  int prev = 0;
+  unsigned next = 1;  // the zig-zag position after the last coded coefficient
   while (nz) {
-    const int k = __builtin_ctzll(nz);
+    const unsigned k = static_cast<unsigned>(__builtin_ctzll(nz));
     nz &= nz - 1;
-    unsigned run = static_cast<unsigned>(k - prev - 1);
-    prev = k;
+    unsigned run = k - next;
+    next = k + 1;
     if (run > 15) {
       const unsigned zlen = zrl >> 16;
       if (zlen - 1u > 15u) return kDeclined;
@@ -213,9 +213,9 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
     const uint32_t e = acTab[sym];
     const unsigned len = e >> 16;
     if (len - 1u > 15u) return kDeclined;
-    w.put_mul((e & T.lowmask[len]) * T.pow2[s] | (t & T.lowmask[s]), static_cast<int>(len + s));
+    w.put_mul((e & T.lowmask[len]) * T.pow2[s] | (t & T.lowmask[s]), len + s);
   }
-  if (prev != 63) {
+  if (next != 64) {
     const uint32_t e = ac->entry[0];
     const int len = static_cast<int>(e >> 16);
     if (len - 1u > 15u) return kDeclined;
