@@ -57,18 +57,42 @@ template <bool kMixed>
   return idct_row_v<false>(x, t, _mm_set1_epi32(rnd));
 }
 
+// The halves of the inverse row tables that multiply (x0,x2) and (x1,x3):
+// entries 0..3 + 8..11 and 16..19 + 24..27 of each table, by row.
+struct HalfTables {
+  alignas(16) int16_t v[8][16];
+};
+constexpr HalfTables make_half_tables() {
+  const int16_t* const tabs[8] = {tab_i_04, tab_i_17, tab_i_26, tab_i_35, tab_i_04, tab_i_35, tab_i_26, tab_i_17};
+  HalfTables h{};
+  for (int r = 0; r < 8; ++r)
+    for (int k = 0; k < 4; ++k) {
+      h.v[r][k] = tabs[r][k];
+      h.v[r][4 + k] = tabs[r][8 + k];
+      h.v[r][8 + k] = tabs[r][16 + k];
+      h.v[r][12 + k] = tabs[r][24 + k];
+    }
+  return h;
+}
+constexpr HalfTables kHalfTabI = make_half_tables();
+
 // Row pass of a row whose coefficients 4..7 are zero: the pair sums of
-// (x0,x2) and (x1,x3) alone, against the matching halves of the table.
-[[gnu::always_inline]] inline __m128i idct_row_half(__m128i x, const int16_t* t, int32_t rnd) {
+// (x0,x2) and (x1,x3) alone, against the matching halves of the table (h:
+// a row of kHalfTabI).
+template <bool kMixed = false>
+[[gnu::always_inline]] inline __m128i idct_row_half_v(__m128i x, const int16_t* h, __m128i rnd) {
   const __m128i xe = _mm_shuffle_epi32(_mm_shufflelo_epi16(x, 0x88), 0x00);  // (x0 x2) x4
   const __m128i xo = _mm_shuffle_epi32(_mm_shufflelo_epi16(x, 0xDD), 0x00);  // (x1 x3) x4
-  const __m128i te = _mm_unpacklo_epi64(load8(t), load8(t + 8));
-  const __m128i to = _mm_unpacklo_epi64(load8(t + 16), load8(t + 24));
-  const __m128i e = _mm_add_epi32(_mm_madd_epi16(xe, te), _mm_set1_epi32(rnd));
-  const __m128i o = _mm_madd_epi16(xo, to);
+  const __m128i e = _mm_add_epi32(_mm_madd_epi16(xe, load_tab(h)), rnd);
+  const __m128i o = _mm_madd_epi16(xo, load_tab(h + 8));
   const __m128i lo = _mm_srai_epi32(_mm_add_epi32(e, o), 11);
-  const __m128i hi = _mm_shuffle_epi32(_mm_srai_epi32(_mm_sub_epi32(e, o), 11), 0x1B);
+  __m128i hi = _mm_srai_epi32(_mm_sub_epi32(e, o), 11);
+  if constexpr (!kMixed) hi = _mm_shuffle_epi32(hi, 0x1B);
   return _mm_packs_epi32(lo, hi);
+}
+
+[[gnu::always_inline]] inline __m128i idct_row_half(__m128i x, int r, int32_t rnd) {
+  return idct_row_half_v(x, kHalfTabI.v[r], _mm_set1_epi32(rnd));
 }
 
 // Column pass over the eight row registers, in place, >> 6 included.
@@ -121,18 +145,23 @@ template <bool kUpperZero>
 // An all-zero row gives rnd >> 11 in every lane, which is 0 for the rounders
 // of rows 3..7 (all below 2048): only rows 1 and 2 need the test, done here
 // without a branch.
-template <int r, bool kMixed>
-[[gnu::always_inline]] inline __m128i idct_row_skip(__m128i x) {
-  const int16_t* t = row_table(kTabI[r]);
+template <int r>
+[[gnu::always_inline]] inline __m128i skip_rounder(__m128i x) {
   if constexpr (round_i[r] < 2048) {
-    return idct_row_v<kMixed>(x, t, _mm_set1_epi32(round_i[r]));
+    return _mm_set1_epi32(round_i[r]);
   } else {
     __m128i o = _mm_or_si128(x, _mm_shuffle_epi32(x, 0x4E));
     o = _mm_or_si128(o, _mm_shuffle_epi32(o, 0xB1));  // every dword: OR of the row
     const __m128i zero_row = _mm_cmpeq_epi32(o, _mm_setzero_si128());
-    return idct_row_v<kMixed>(x, t, _mm_andnot_si128(zero_row, _mm_set1_epi32(round_i[r])));
+    return _mm_andnot_si128(zero_row, _mm_set1_epi32(round_i[r]));
   }
 }
+
+template <int r, bool kMixed>
+[[gnu::always_inline]] inline __m128i idct_row_skip(__m128i x) {
+  return idct_row_v<kMixed>(x, row_table(kTabI[r]), skip_rounder<r>(x));
+}
+
 
 // Full inverse of eight coefficient rows (already dequantised) into x[0..7]
 // (kMixed: lanes in the order y0 y1 y2 y3 y7 y6 y5 y4).
@@ -142,21 +171,23 @@ template <int r, bool kMixed>
 // shifted right by 6.
 template <bool kMixed>
 [[gnu::always_inline]] inline void idct_8x8(__m128i* x) {
-  x[0] = idct_row_v<kMixed>(x[0], row_table(kTabI[0]), _mm_set1_epi32(round_i[0]));
+  const __m128i rnd0 = _mm_set1_epi32(round_i[0]);
   const __m128i upper = _mm_or_si128(_mm_or_si128(x[4], x[5]), _mm_or_si128(x[6], x[7]));
   if (_mm_testz_si128(upper, upper)) {
     const __m128i mid = _mm_or_si128(_mm_or_si128(x[1], x[2]), x[3]);
     if (_mm_testz_si128(mid, mid)) {
-      const __m128i y = _mm_srai_epi16(x[0], 6);
+      const __m128i y = _mm_srai_epi16(idct_row_v<kMixed>(x[0], row_table(kTabI[0]), rnd0), 6);
       for (int r = 0; r < 8; ++r) x[r] = y;
       return;
     }
+    x[0] = idct_row_v<kMixed>(x[0], row_table(kTabI[0]), rnd0);
     x[1] = idct_row_skip<1, kMixed>(x[1]);
     x[2] = idct_row_skip<2, kMixed>(x[2]);
     x[3] = idct_row_skip<3, kMixed>(x[3]);
     idct_cols<true>(x);
     return;
   }
+  x[0] = idct_row_v<kMixed>(x[0], row_table(kTabI[0]), rnd0);
   x[1] = idct_row_skip<1, kMixed>(x[1]);
   x[2] = idct_row_skip<2, kMixed>(x[2]);
   x[3] = idct_row_skip<3, kMixed>(x[3]);
@@ -465,8 +496,8 @@ void dct_quant_inv_8x8_ls_2x2_16s8u(const int16_t* src, uint8_t* dst, int dst_st
   const __m128i c0 = _mm_mullo_epi16(load4(src), load4(inv));  // lanes 2..7 zero
   const __m128i c1 = _mm_mullo_epi16(load4(src + 8), load4(inv + 8));
   __m128i x[8];
-  x[0] = idct_row_half(c0, tab_i_row[0], round_i[0]);
-  x[1] = idct_row_half(c1, tab_i_row[1], row_rounder(c1, 1));
+  x[0] = idct_row_half(c0, 0, round_i[0]);
+  x[1] = idct_row_half(c1, 1, row_rounder(c1, 1));
   x[2] = x[3] = _mm_setzero_si128();  // skipped rows
   idct_cols<true>(x);
   store_ls_rows(x, dst, dst_step);
@@ -476,7 +507,7 @@ void dct_quant_inv_8x8_ls_4x4_16s8u(const int16_t* src, uint8_t* dst, int dst_st
   __m128i x[8];
   for (int r = 0; r < 4; ++r) {
     const __m128i c = _mm_mullo_epi16(load8(src + 8 * r), load8(inv + 8 * r));  // lanes 4..7 zero
-    x[r] = idct_row_half(c, tab_i_row[r], r == 0 ? round_i[0] : row_rounder(c, r));
+    x[r] = idct_row_half(c, r, r == 0 ? round_i[0] : row_rounder(c, r));
   }
   idct_cols<true>(x);  // rows 4..7 skipped
   store_ls_rows(x, dst, dst_step);
