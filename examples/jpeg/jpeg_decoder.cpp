@@ -243,7 +243,10 @@ class Decoder {
     if (ncomp_ == 3) planes_.resize(static_cast<size_t>(y_step) * mcu_h + 2 * static_cast<size_t>(c_step) * 8);
     uint8_t* const plane[3] = {planes_.data(), planes_.data() + y_step * mcu_h, planes_.data() + y_step * mcu_h + c_step * 8};
 
-    // MCUs colour-converted together: about 256 pixels wide.
+    // MCUs colour-converted together: 256 pixels wide, so the samples are
+    // still in the first-level cache, and at most 256 x 16 pixels, so the
+    // 4:4:4 converter (which spreads more than 8192 pixels over the
+    // library's threads) stays on the calling thread.
     const int stretch = 256 / mcu_w;
     const int len = static_cast<int>(std::min<size_t>(n_, 0x7FFFFFFF));
     Block plan[6];
@@ -291,8 +294,7 @@ class Decoder {
           const VprStatus st = inverse_dct(b.coef, b.samples + mx * b.advance, b.step, b.q);
           if (st != vprStatusOk) return status_text("inverse DCT", st);
         }
-        // Colour-convert a stretch of MCUs while their samples are still in
-        // the first-level cache.
+        // Colour-convert each stretch of MCUs as soon as it is complete.
         if ((mx + 1) % stretch == 0 || mx + 1 == mcus_x) {
           const int mx0 = mx + 1 == mcus_x ? mx / stretch * stretch : mx + 1 - stretch;
           if (std::string e = put_colour_mcus(plane, y_step, c_step, out, y0, mx0, mx + 1); !e.empty()) return e;
@@ -345,29 +347,10 @@ class Decoder {
 
   // Y, Cb, Cr planes to RGB pixels; in 4:4:4 all three planes share y_step.
   VprStatus to_rgb(const Vpr8u* const src[3], int y_step, int c_step, uint8_t* dst, int step, VprRoiSize roi) const {
-    if (h_ == 1) return to_rgb_444(src, y_step, dst, step, roi);
+    if (h_ == 1) return vpriYCbCrToRGB_JPEG_8u_P3C3R(src, y_step, dst, step, roi);
     int steps[3] = {y_step, c_step, c_step};
     if (v_ == 1) return vpriYCbCr422ToRGB_JPEG_8u_P3C3R(src, steps, dst, step, roi);
     return vpriYCbCr411ToRGB_JPEG_8u_P3C3R(src, steps, dst, step, roi);
-  }
-
-  // The 4:4:4 converter spreads areas of more than 8192 pixels over the
-  // library's threads, which costs more than it saves on the few rows of an
-  // MCU row; it is called on at most 8192 pixels of one row at a time so the
-  // decoder stays on the calling thread.  (The pieces are multiples of 4
-  // pixels, so the result is that of one call on the whole area.)
-  static VprStatus to_rgb_444(const Vpr8u* const src[3], int src_step, uint8_t* dst, int step, VprRoiSize roi) {
-    constexpr int kPiece = 8192;
-    for (int r = 0; r < roi.height; ++r)
-      for (int x = 0; x < roi.width; x += kPiece) {
-        const size_t at = static_cast<size_t>(r) * src_step + x;
-        const Vpr8u* const row[3] = {src[0] + at, src[1] + at, src[2] + at};
-        const VprRoiSize piece{std::min(kPiece, roi.width - x), 1};
-        const VprStatus st =
-            vpriYCbCrToRGB_JPEG_8u_P3C3R(row, src_step, dst + static_cast<size_t>(r) * step + 3 * static_cast<size_t>(x), step, piece);
-        if (st != vprStatusOk) return st;
-      }
-    return vprStatusOk;
   }
 
   // Dequantisation, inverse DCT and level shift of one block.  Most blocks
