@@ -202,8 +202,9 @@ class Decoder {
   }
 
   // The blocks of one MCU in scan order (Y blocks, then Cb, then Cr), each
-  // with its tables and the place its 8x8 samples go in the planes of the
-  // MCU row: MCU mx puts them at `samples + mx * advance`, rows `step` apart.
+  // with its tables and the place its 8x8 samples go in the planes of a
+  // stretch of MCUs: the i-th MCU of the stretch puts them at
+  // `samples + i * advance`, rows `step` apart.
   struct Block {
     int16_t* coef;
     Vpr16s* prev_dc;
@@ -213,9 +214,9 @@ class Decoder {
     int advance, step;
   };
 
-  // Colour images are decoded one MCU row at a time: every block's inverse
-  // DCT writes 8-bit samples into Y, Cb and Cr planes that span the MCU row,
-  // and the colour conversion turns stretches of them into RGB image rows.
+  // Colour images are decoded a stretch of MCUs at a time: every block's
+  // inverse DCT writes 8-bit samples into Y, Cb and Cr planes that span the
+  // stretch, and one colour conversion turns them into RGB image rows.
   // Greyscale blocks are written straight into the image.
   std::string decode_scan(Image& out) {
     const int mcu_w = 8 * h_, mcu_h = 8 * v_;
@@ -237,17 +238,16 @@ class Decoder {
     alignas(16) int16_t coef[6 * 64];  // the coefficients of one MCU
     alignas(16) uint8_t edge[64];      // a grey block that sticks out of the image
 
-    // Planes of one MCU row: Y is mcus_x * mcu_w samples wide and mcu_h
-    // high, Cb and Cr are mcus_x * 8 wide and 8 high.
-    const int y_step = mcus_x * mcu_w, c_step = mcus_x * 8;
+    // MCUs colour-converted together: 256 pixels wide, so the samples stay
+    // in the first-level cache, and at most 256 x 16 pixels, so the 4:4:4
+    // converter (which spreads more than 8192 pixels over the library's
+    // threads) stays on the calling thread.
+    const int stretch = std::min(256 / mcu_w, mcus_x);
+    // Planes of one stretch: Y is stretch * mcu_w samples wide and mcu_h
+    // high, Cb and Cr are stretch * 8 wide and 8 high.
+    const int y_step = stretch * mcu_w, c_step = stretch * 8;
     if (ncomp_ == 3) planes_.resize(static_cast<size_t>(y_step) * mcu_h + 2 * static_cast<size_t>(c_step) * 8);
     uint8_t* const plane[3] = {planes_.data(), planes_.data() + y_step * mcu_h, planes_.data() + y_step * mcu_h + c_step * 8};
-
-    // MCUs colour-converted together: 256 pixels wide, so the samples are
-    // still in the first-level cache, and at most 256 x 16 pixels, so the
-    // 4:4:4 converter (which spreads more than 8192 pixels over the
-    // library's threads) stays on the calling thread.
-    const int stretch = 256 / mcu_w;
     const int len = static_cast<int>(std::min<size_t>(n_, 0x7FFFFFFF));
     Block plan[6];
     int nplan = 0;
@@ -273,7 +273,7 @@ class Decoder {
     int m = 0;
     for (int my = 0; my < mcus_y; ++my) {
       const int y0 = my * mcu_h;
-      for (int mx = 0; mx < mcus_x; ++mx, ++m) {
+      for (int mx = 0, i = 0; mx < mcus_x; ++mx, ++m) {  // i: MCU within the stretch
         if (restart_ > 0 && m > 0 && m % restart_ == 0) {
           pos_ = static_cast<size_t>(p);
           if (std::string e = restart(); !e.empty()) return e;
@@ -291,13 +291,13 @@ class Decoder {
         }
         for (int k = 0; k < nplan; ++k) {
           const Block& b = plan[k];
-          const VprStatus st = inverse_dct(b.coef, b.samples + mx * b.advance, b.step, b.q);
+          const VprStatus st = inverse_dct(b.coef, b.samples + i * b.advance, b.step, b.q);
           if (st != vprStatusOk) return status_text("inverse DCT", st);
         }
-        // Colour-convert each stretch of MCUs as soon as it is complete.
-        if ((mx + 1) % stretch == 0 || mx + 1 == mcus_x) {
-          const int mx0 = mx + 1 == mcus_x ? mx / stretch * stretch : mx + 1 - stretch;
-          if (std::string e = put_colour_mcus(plane, y_step, c_step, out, y0, mx0, mx + 1); !e.empty()) return e;
+        // Colour-convert each stretch as soon as it is complete.
+        if (++i == stretch || mx + 1 == mcus_x) {
+          if (std::string e = put_colour_mcus(plane, y_step, c_step, out, y0, mx + 1 - i, mx + 1); !e.empty()) return e;
+          i = 0;
         }
       }
     }
@@ -318,8 +318,8 @@ class Decoder {
     return {};
   }
 
-  // Colour conversion of MCUs [mx0, mx1) of the MCU row at image row y0
-  // into RGB image rows.  The converters replicate chroma over pixel pairs
+  // Colour conversion of the stretch in `plane`, MCUs [mx0, mx1) of the MCU
+  // row at image row y0, into RGB image rows.  The converters replicate chroma over pixel pairs
   // (4:2:2) or 2x2 blocks (4:2:0) and so want even sizes there; an odd
   // width at the right edge, or an odd number of rows left at the bottom of
   // a 4:2:0 image, is converted at the padded size into `rows_` and cropped.
@@ -327,7 +327,7 @@ class Decoder {
     const int mcu_w = 8 * h_, mcu_h = 8 * v_;
     const int x0 = mx0 * mcu_w, w = std::min(mx1 * mcu_w, width_) - x0;
     const int rows = std::min(mcu_h, height_ - y0);
-    const Vpr8u* const src[3] = {plane[0] + x0, plane[1] + mx0 * 8, plane[2] + mx0 * 8};
+    const Vpr8u* const src[3] = {plane[0], plane[1], plane[2]};
     const int stride = width_ * 3;
     uint8_t* dst = out.pixels.data() + static_cast<size_t>(y0) * stride + 3 * static_cast<size_t>(x0);
     const bool direct = (h_ == 1 || w % 2 == 0) && (v_ == 1 || rows % 2 == 0);
@@ -389,8 +389,8 @@ class Decoder {
   bool qset_[4] = {};
   DecodeSpec dc_[4], ac_[4];
   DecodeState state_;
-  std::vector<uint8_t> planes_;  // 8-bit Y, Cb, Cr of one MCU row
-  std::vector<uint8_t> rows_;    // RGB rows of an MCU row that needs cropping
+  std::vector<uint8_t> planes_;  // 8-bit Y, Cb, Cr of one stretch of MCUs
+  std::vector<uint8_t> rows_;    // RGB rows of a stretch that needs cropping
 };
 
 }  // namespace
