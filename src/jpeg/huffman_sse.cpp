@@ -125,10 +125,11 @@ struct Writer {
     *out++ = static_cast<uint8_t>(b);
     if (b == 0xFF) *out++ = 0;
   }
-  // The same with the accumulator shift done by a multiply (the variable
-  // shifts and the branches compete for the same two ports).
-  inline void put_mul(uint32_t bits, unsigned len) { put_shifted(bb * kEnc.pow2[len] | bits, static_cast<int>(len)); }
+  // Appends the low len bits of bits (len <= 32).  put_mul shifts the
+  // accumulator with a multiply: in the AC loop the variable shifts and the
+  // branches would compete for the same two ports.
   inline void put(uint32_t bits, int len) { put_shifted((bb << len) | bits, len); }
+  inline void put_mul(uint32_t bits, unsigned len) { put_shifted(bb * kEnc.pow2[len] | bits, static_cast<int>(len)); }
   inline void put_shifted(uint64_t shifted, int len) {  // len <= 32
     bb = shifted;
     n += len;
