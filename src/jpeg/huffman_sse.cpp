@@ -136,7 +136,7 @@ struct Writer {
     if (n >= 32) {
       n -= 32;
       const uint32_t w = static_cast<uint32_t>(bb >> n);
-      if (!has_ff(w)) {
+      if (__builtin_expect(!has_ff(w), 1)) {
         const uint32_t be = bswap32(w);
         std::memcpy(out, &be, 4);
         out += 4;
@@ -196,7 +196,7 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
     nz &= nz - 1;
     unsigned run = k - next;
     next = k + 1;
-    if (run > 15) {
+    if (__builtin_expect(run > 15, 0)) {
       const unsigned zlen = zrl >> 16;
       if (zlen - 1u > 15u) return kDeclined;
       do {
@@ -210,10 +210,10 @@ VprStatus encode_block_8x8(const int16_t* pSrc, uint8_t* pDst, int dstLen, int* 
     const uint32_t a = t ^ sgn;                         // |v|, not 0
     const unsigned s = static_cast<unsigned>(31 ^ __builtin_clz(a)) + 1u;
     const unsigned sym = run * 16 + s;
-    if (sym > 255) return kDeclined;
+    if (__builtin_expect(sym > 255, 0)) return kDeclined;
     const uint32_t e = acTab[sym];
     const unsigned len = e >> 16;
-    if (len - 1u > 15u) return kDeclined;
+    if (__builtin_expect(len - 1u > 15u, 0)) return kDeclined;
     w.put_mul((e & T.lowmask[len]) * T.pow2[s] | (t & T.lowmask[s]), len + s);
   }
   if (next != 64) {
