@@ -91,9 +91,6 @@ template <bool kMixed = false>
   return _mm_packs_epi32(lo, hi);
 }
 
-[[gnu::always_inline]] inline __m128i idct_row_half(__m128i x, int r, int32_t rnd) {
-  return idct_row_half_v(x, kHalfTabI.v[r], _mm_set1_epi32(rnd));
-}
 
 // Column pass over the eight row registers, in place, >> 6 included.
 // kUpperZero: rows 4..7 are known to be zero (their terms vanish exactly).
@@ -137,9 +134,6 @@ template <bool kUpperZero>
   x[3] = _mm_srai_epi16(adds(a3, b3), 6);
   x[4] = _mm_srai_epi16(subs(a3, b3), 6);
 }
-
-// Rounder of row r >= 1: 0 when the row is all zero (the row is skipped).
-[[gnu::always_inline]] inline int32_t row_rounder(__m128i x, int r) { return _mm_testz_si128(x, x) ? 0 : round_i[r]; }
 
 // Row pass of row r >= 1 with the rounder of a skipped all-zero row dropped.
 // An all-zero row gives rnd >> 11 in every lane, which is 0 for the rounders
@@ -496,21 +490,22 @@ void dct_quant_inv_8x8_ls_2x2_16s8u(const int16_t* src, uint8_t* dst, int dst_st
   const __m128i c0 = _mm_mullo_epi16(load4(src), load4(inv));  // lanes 2..7 zero
   const __m128i c1 = _mm_mullo_epi16(load4(src + 8), load4(inv + 8));
   __m128i x[8];
-  x[0] = idct_row_half(c0, 0, round_i[0]);
-  x[1] = idct_row_half(c1, 1, row_rounder(c1, 1));
+  x[0] = idct_row_half_v<false>(c0, kHalfTabI.v[0], _mm_set1_epi32(round_i[0]));
+  x[1] = idct_row_half_v<false>(c1, kHalfTabI.v[1], skip_rounder<1>(c1));
   x[2] = x[3] = _mm_setzero_si128();  // skipped rows
   idct_cols<true>(x);
-  store_ls_rows(x, dst, dst_step);
+  store_ls_rows<false>(x, dst, dst_step);
 }
 
 void dct_quant_inv_8x8_ls_4x4_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {
   __m128i x[8];
-  for (int r = 0; r < 4; ++r) {
-    const __m128i c = _mm_mullo_epi16(load8(src + 8 * r), load8(inv + 8 * r));  // lanes 4..7 zero
-    x[r] = idct_row_half(c, r, r == 0 ? round_i[0] : row_rounder(c, r));
-  }
+  for (int r = 0; r < 4; ++r) x[r] = _mm_mullo_epi16(load8(src + 8 * r), load8(inv + 8 * r));  // lanes 4..7 zero
+  x[0] = idct_row_half_v<false>(x[0], kHalfTabI.v[0], _mm_set1_epi32(round_i[0]));
+  x[1] = idct_row_half_v<false>(x[1], kHalfTabI.v[1], skip_rounder<1>(x[1]));
+  x[2] = idct_row_half_v<false>(x[2], kHalfTabI.v[2], skip_rounder<2>(x[2]));
+  x[3] = idct_row_half_v<false>(x[3], kHalfTabI.v[3], skip_rounder<3>(x[3]));
   idct_cols<true>(x);  // rows 4..7 skipped
-  store_ls_rows(x, dst, dst_step);
+  store_ls_rows<false>(x, dst, dst_step);
 }
 
 void dct_quant_inv_8x8_to2x2_ls_16s8u(const int16_t* src, uint8_t* dst, int dst_step, const uint16_t* inv) {

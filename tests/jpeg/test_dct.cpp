@@ -226,11 +226,14 @@ TEST(DctKernels, InverseSseMatchesScalarOnBlocksWithZeroRows) {
     ref::dct_8x8_inv_16s(src, a);
     sse::dct_8x8_inv_16s(src, b);
     ASSERT_TRUE(vprtest::same_array(a, b, 64)) << it;
-    Image<uint8_t> ra(8, 8, 3, it % 16), rb = ra;
-    ref::dct_quant_inv_8x8_ls_16s8u(src, ra.data(), ra.step(), q.data());
-    sse::dct_quant_inv_8x8_ls_16s8u(src, rb.data(), rb.step(), q.data());
-    ASSERT_TRUE(vprtest::same_region(ra, rb)) << it;
-    ASSERT_TRUE(vprtest::guards_ok(rb));
+    for (const auto& k : kInvLs) {  // the full LS form and the corner forms
+      SCOPED_TRACE(k.name);
+      Image<uint8_t> ra(k.cols, k.rows, 3, it % 16), rb = ra;
+      k.r(src, ra.data(), ra.step(), q.data());
+      k.s(src, rb.data(), rb.step(), q.data());
+      ASSERT_TRUE(vprtest::same_region(ra, rb)) << it;
+      ASSERT_TRUE(vprtest::guards_ok(rb));
+    }
   }
 }
 
@@ -322,6 +325,8 @@ TEST(DctInverse, SparseFormsEqualFullInverse) {
       for (int r = 0; r < n; ++r)
         for (int c = 0; c < n; ++c)
           blk[r * 8 + c] = static_cast<int16_t>(it % 5 == 0 ? rng.any<int16_t>() : rng.uniform(-200, 200));
+      if (it % 3 == 1)  // a zero row inside the corner (its rounder is dropped)
+        for (int c = 0; c < n; ++c) blk[(it / 3 % n) * 8 + c] = 0;
       std::memcpy(full, blk, sizeof full);
       // garbage outside the corner is not read by the sparse form
       int16_t dirty[64];
