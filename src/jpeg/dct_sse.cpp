@@ -209,7 +209,7 @@ template <bool kMixed = false>
     __m128i p = _mm_xor_si128(_mm_packs_epi16(x[r], x[r + 1]), k80);
     if constexpr (kMixed) p = _mm_shuffle_epi8(p, _mm_setr_epi8(0, 1, 2, 3, 7, 6, 5, 4, 8, 9, 10, 11, 15, 14, 13, 12));
     store8(dst + r * dst_step, p);
-    store8(dst + (r + 1) * dst_step, _mm_unpackhi_epi64(p, p));
+    _mm_storeh_pi(reinterpret_cast<__m64*>(dst + (r + 1) * dst_step), _mm_castsi128_ps(p));  // movhps
   }
 }
 
