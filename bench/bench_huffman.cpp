@@ -11,6 +11,7 @@
 
 #include "bench_util.h"
 #include "vprjp_jpeg_huffman.h"
+#include "../tests/jpeg/test_huffman_tables.h"
 
 #if VPR_HAVE_JPEG
 #include <csetjmp>
@@ -23,19 +24,9 @@ namespace {
 
 constexpr int kW = 1024, kH = 768;
 
-const uint8_t kDcCounts[16] = {0, 1, 5, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0};
-const uint8_t kDcValues[12] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
-const uint8_t kAcCounts[16] = {0, 2, 1, 3, 3, 2, 4, 3, 5, 5, 4, 4, 0, 0, 1, 0x7d};
-const uint8_t kAcValues[162] = {
-    0x01, 0x02, 0x03, 0x00, 0x04, 0x11, 0x05, 0x12, 0x21, 0x31, 0x41, 0x06, 0x13, 0x51, 0x61, 0x07, 0x22, 0x71,
-    0x14, 0x32, 0x81, 0x91, 0xa1, 0x08, 0x23, 0x42, 0xb1, 0xc1, 0x15, 0x52, 0xd1, 0xf0, 0x24, 0x33, 0x62, 0x72,
-    0x82, 0x09, 0x0a, 0x16, 0x17, 0x18, 0x19, 0x1a, 0x25, 0x26, 0x27, 0x28, 0x29, 0x2a, 0x34, 0x35, 0x36, 0x37,
-    0x38, 0x39, 0x3a, 0x43, 0x44, 0x45, 0x46, 0x47, 0x48, 0x49, 0x4a, 0x53, 0x54, 0x55, 0x56, 0x57, 0x58, 0x59,
-    0x5a, 0x63, 0x64, 0x65, 0x66, 0x67, 0x68, 0x69, 0x6a, 0x73, 0x74, 0x75, 0x76, 0x77, 0x78, 0x79, 0x7a, 0x83,
-    0x84, 0x85, 0x86, 0x87, 0x88, 0x89, 0x8a, 0x92, 0x93, 0x94, 0x95, 0x96, 0x97, 0x98, 0x99, 0x9a, 0xa2, 0xa3,
-    0xa4, 0xa5, 0xa6, 0xa7, 0xa8, 0xa9, 0xaa, 0xb2, 0xb3, 0xb4, 0xb5, 0xb6, 0xb7, 0xb8, 0xb9, 0xba, 0xc2, 0xc3,
-    0xc4, 0xc5, 0xc6, 0xc7, 0xc8, 0xc9, 0xca, 0xd2, 0xd3, 0xd4, 0xd5, 0xd6, 0xd7, 0xd8, 0xd9, 0xda, 0xe1, 0xe2,
-    0xe3, 0xe4, 0xe5, 0xe6, 0xe7, 0xe8, 0xe9, 0xea, 0xf1, 0xf2, 0xf3, 0xf4, 0xf5, 0xf6, 0xf7, 0xf8, 0xf9, 0xfa};
+// The JPEG standard's example luminance tables, typed once for the tests.
+const auto& kDc = hufftest::kDcLuma;
+const auto& kAc = hufftest::kAcLuma;
 const int kLumaQuant[64] = {16, 11, 10, 16, 24,  40,  51,  61,  12, 12, 14, 19, 26,  58,  60,  55,
                             14, 13, 16, 24, 40,  57,  69,  56,  14, 17, 22, 29, 51,  87,  80,  62,
                             18, 22, 37, 56, 68,  109, 103, 77,  24, 35, 55, 64, 81,  104, 113, 92,
@@ -76,10 +67,10 @@ Workload make_workload(int quality) {
         }
       ++w.nblocks;
     }
-  vpriEncodeHuffmanSpecInit_JPEG_8u(kDcCounts, kDcValues, reinterpret_cast<VprEncodeHuffmanSpec*>(w.encDc));
-  vpriEncodeHuffmanSpecInit_JPEG_8u(kAcCounts, kAcValues, reinterpret_cast<VprEncodeHuffmanSpec*>(w.encAc));
-  vpriDecodeHuffmanSpecInit_JPEG_8u(kDcCounts, kDcValues, reinterpret_cast<VprDecodeHuffmanSpec*>(w.decDc));
-  vpriDecodeHuffmanSpecInit_JPEG_8u(kAcCounts, kAcValues, reinterpret_cast<VprDecodeHuffmanSpec*>(w.decAc));
+  vpriEncodeHuffmanSpecInit_JPEG_8u(kDc.counts, kDc.values.data(), reinterpret_cast<VprEncodeHuffmanSpec*>(w.encDc));
+  vpriEncodeHuffmanSpecInit_JPEG_8u(kAc.counts, kAc.values.data(), reinterpret_cast<VprEncodeHuffmanSpec*>(w.encAc));
+  vpriDecodeHuffmanSpecInit_JPEG_8u(kDc.counts, kDc.values.data(), reinterpret_cast<VprDecodeHuffmanSpec*>(w.decDc));
+  vpriDecodeHuffmanSpecInit_JPEG_8u(kAc.counts, kAc.values.data(), reinterpret_cast<VprDecodeHuffmanSpec*>(w.decAc));
   std::vector<uint8_t> out(static_cast<size_t>(w.nblocks) * 200);
   alignas(64) uint8_t st[1048] = {};
   int pos = 0;
@@ -200,13 +191,13 @@ std::vector<uint8_t> wrap_file(const Workload& w) {
   f.insert(f.end(), {0xFF, 0xC4});
   put16(f, 2 + 17 + 12);
   f.push_back(0x00);
-  f.insert(f.end(), kDcCounts, kDcCounts + 16);
-  f.insert(f.end(), kDcValues, kDcValues + 12);
+  f.insert(f.end(), kDc.counts, kDc.counts + 16);
+  f.insert(f.end(), kDc.values.begin(), kDc.values.end());
   f.insert(f.end(), {0xFF, 0xC4});
   put16(f, 2 + 17 + 162);
   f.push_back(0x10);
-  f.insert(f.end(), kAcCounts, kAcCounts + 16);
-  f.insert(f.end(), kAcValues, kAcValues + 162);
+  f.insert(f.end(), kAc.counts, kAc.counts + 16);
+  f.insert(f.end(), kAc.values.begin(), kAc.values.end());
   f.insert(f.end(), {0xFF, 0xDA, 0, 8, 1, 1, 0x00, 0, 63, 0});
   f.insert(f.end(), w.coded.begin(), w.coded.end());
   f.insert(f.end(), {0xFF, 0xD9});
