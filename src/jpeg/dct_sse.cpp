@@ -135,10 +135,10 @@ template <bool kUpperZero>
   x[4] = _mm_srai_epi16(subs(a3, b3), 6);
 }
 
-// Row pass of row r >= 1 with the rounder of a skipped all-zero row dropped.
-// An all-zero row gives rnd >> 11 in every lane, which is 0 for the rounders
-// of rows 3..7 (all below 2048): only rows 1 and 2 need the test, done here
-// without a branch.
+// Rounder vector of row r >= 1: round_i[r], or 0 for an all-zero row (a
+// skipped row).  With its rounder an all-zero row would give rnd >> 11 in
+// every lane, which is 0 for rows 3..7 (rounders below 2048): only rows 1 and
+// 2 need the test, done here without a branch.
 template <int r>
 [[gnu::always_inline]] inline __m128i skip_rounder(__m128i x) {
   if constexpr (round_i[r] < 2048) {
@@ -151,6 +151,7 @@ template <int r>
   }
 }
 
+// Row pass of row r >= 1 with that rounder.
 template <int r, bool kMixed>
 [[gnu::always_inline]] inline __m128i idct_row_skip(__m128i x) {
   return idct_row_v<kMixed>(x, row_table(kTabI[r]), skip_rounder<r>(x));
